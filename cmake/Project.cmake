@@ -1,0 +1,16 @@
+# Compiler settings shared by every target of the project.
+add_library(scrimlet_warnings INTERFACE)
+target_compile_options(scrimlet_warnings INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual
+  -Wcast-align -Wimplicit-fallthrough -Wmissing-declarations
+  $<$<BOOL:${SCRIMLET_WERROR}>:-Werror>)
+
+# A library made of every source file in one folder. New files are picked up at
+# the next build (CONFIGURE_DEPENDS), so adding a component never touches CMake.
+function(scrimlet_folder_library name)
+  file(GLOB sources CONFIGURE_DEPENDS
+    ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp ${CMAKE_CURRENT_SOURCE_DIR}/*.hpp)
+  add_library(${name} STATIC ${sources})
+  target_include_directories(${name} PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
+  target_link_libraries(${name} PRIVATE scrimlet_warnings)
+endfunction()

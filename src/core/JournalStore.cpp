@@ -1,0 +1,78 @@
+#include "JournalStore.hpp"
+
+#include "AtomicFile.hpp"
+#include "JsonCoding.hpp"
+
+namespace scrimlet {
+
+using json::Json;
+
+JournalStore::JournalStore(std::optional<std::filesystem::path> url)
+    : url_(std::move(url)) {}
+
+std::vector<JournalEntry> JournalStore::load() const {
+    if (!url_) {
+        return memory_;
+    }
+    const auto text = files::read(*url_);
+    if (!text) {
+        return {};
+    }
+    const auto document = json::parse(*text);
+    if (!document) {
+        return {};
+    }
+    try {
+        // The version must be a whole number, but a newer one is no obstacle.
+        json::decodeInteger(json::field(*document, "version"));
+        const Json& list = json::field(*document, "entries");
+        if (!list.is_array()) {
+            return {};
+        }
+        std::vector<JournalEntry> entries;
+        entries.reserve(list.size());
+        for (const Json& item : list) {
+            entries.push_back(journalEntryFromJson(item));
+        }
+        return entries;
+    } catch (const std::exception&) {
+        return {};
+    }
+}
+
+void JournalStore::save(const std::vector<JournalEntry>& entries) {
+    if (frozen_) {
+        return;
+    }
+    ++saves_;
+    if (!url_) {
+        memory_ = entries;
+        return;
+    }
+    if (entries.empty()) {
+        files::remove(*url_);
+        return;
+    }
+    try {
+        Json document = Json::object();
+        document["version"] = 1;
+        Json list = Json::array();
+        for (const auto& entry : entries) {
+            list.push_back(toJson(entry));
+        }
+        document["entries"] = std::move(list);
+        files::writeAtomically(*url_, json::sortedText(document));
+    } catch (const std::exception&) {
+        // Nothing to do: the director's list in memory stays the truth.
+    }
+}
+
+bool JournalStore::existsOnDisk() const {
+    if (!url_) {
+        return !memory_.empty();
+    }
+    std::error_code error;
+    return std::filesystem::exists(*url_, error);
+}
+
+} // namespace scrimlet

@@ -1,0 +1,107 @@
+#include "FakeStageSystem.hpp"
+
+#include <gtest/gtest.h>
+
+namespace scrimlet {
+namespace {
+
+const EffectKey dock{EffectKind::dockAutohide};
+const EffectKey dnd{EffectKind::doNotDisturb};
+
+TEST(FakeStageSystem, CrashPointsCountFromTheirArming) {
+    auto sys = FakeStageSystem::demo();
+    int crashes = 0;
+    sys->onCrash = [&] { ++crashes; };
+    sys->setCrash(FakeStageSystem::CrashPoint::beforeWrite(1));
+    EXPECT_THROW(sys->write(dock, JournalValue::boolean(true)), SimulatedCrash);
+    EXPECT_TRUE(sys->crashed());
+    EXPECT_EQ(sys->read(dock), JournalValue::boolean(false));
+    EXPECT_TRUE(sys->writeLog().empty());
+    EXPECT_EQ(sys->writeCount(), 1);
+    EXPECT_THROW(sys->write(dock, JournalValue::boolean(true)), SimulatedCrash);
+    EXPECT_EQ(crashes, 1) << "a dead process dies only once";
+    EXPECT_EQ(sys->writeCount(), 2);
+
+    sys->revive();
+    for (int i = 0; i < 5; ++i) {
+        sys->write(dock, JournalValue::boolean(i % 2 == 0));
+    }
+    sys->onCrash = [&] { ++crashes; };
+    sys->setCrash(FakeStageSystem::CrashPoint::afterWrite(2));
+    sys->write(dock, JournalValue::boolean(false));
+    EXPECT_THROW(sys->write(dock, JournalValue::boolean(true)), SimulatedCrash);
+    EXPECT_EQ(sys->writeCount(), 9);
+    EXPECT_EQ(crashes, 2);
+    EXPECT_EQ(sys->read(dock), JournalValue::boolean(true)) << "the change stands";
+    EXPECT_EQ(sys->writeLog().back(), "dockAutohide = on");
+
+    sys->revive();
+    sys->setCrash(FakeStageSystem::CrashPoint::beforeWrite(0));
+    EXPECT_NO_THROW(sys->write(dock, JournalValue::boolean(false)));
+}
+
+TEST(FakeStageSystem, ReadsAnswerNothingForWhatIsNotThere) {
+    auto sys = FakeStageSystem::demo();
+    EXPECT_EQ(sys->write(dnd, JournalValue::boolean(true)), JournalValue::boolean(false));
+    EXPECT_EQ(sys->read(dnd), std::nullopt);
+    EXPECT_EQ(sys->write(dnd, JournalValue::boolean(true)), JournalValue::boolean(true));
+
+    const EffectKey display(EffectKind::displayMode, "1");
+    EXPECT_EQ(sys->read(display), JournalValue::number(20));
+    EXPECT_EQ(sys->read(EffectKey(EffectKind::displayMode, "+1")), std::nullopt)
+        << "a different target text is a different key";
+    sys->displayList.clear();
+    EXPECT_EQ(sys->read(display), std::nullopt);
+    EXPECT_EQ(sys->mainDisplay(), std::nullopt);
+    try {
+        sys->write(display, JournalValue::number(13));
+        FAIL();
+    } catch (const StageError& e) {
+        EXPECT_EQ(e.kind(), StageError::Case::targetGone);
+    }
+    EXPECT_EQ(sys->displayModeValue({1280, 720}, 1), JournalValue::number(11));
+    EXPECT_EQ(sys->displayModeValue({1280, 800}, 1), std::nullopt);
+
+    const EffectKey mic(EffectKind::micMute, "BuiltInMicrophoneDevice");
+    sys->values.erase(mic);
+    EXPECT_EQ(sys->read(mic), JournalValue::boolean(false));
+    sys->inputDevices.clear();
+    EXPECT_EQ(sys->read(mic), std::nullopt);
+    EXPECT_THROW(sys->write(mic, JournalValue::boolean(true)), StageError);
+
+    // A reused pid under another bundle identifier is not the app that was hidden.
+    const EffectKey mail(EffectKind::appHidden, "com.apple.mail#504#Mail");
+    sys->apps[3].bundleID = "com.example.other";
+    EXPECT_EQ(sys->read(mail), std::nullopt);
+    EXPECT_THROW(sys->write(mail, JournalValue::boolean(true)), StageError);
+    sys->userSet(mail, JournalValue::boolean(true));
+    EXPECT_TRUE(sys->apps[3].isHidden) << "the user's hand goes by process id";
+}
+
+TEST(FakeStageSystem, TheDeathOfTheProcessTakesOnlyWhatItHeld) {
+    auto sys = FakeStageSystem::demo();
+    const auto before = sys->state(true);
+    sys->write(EffectKey(EffectKind::keepAwake), JournalValue::boolean(true));
+    sys->write(EffectKey(EffectKind::desktopIcons), JournalValue::boolean(true));
+    sys->write(dock, JournalValue::boolean(true));
+    sys->write(EffectKey(EffectKind::alertVolume), JournalValue::number(0));
+    EXPECT_EQ(sys->state(true).count("keepAwake"), 0u);
+    sys->processDied();
+    const auto all = sys->state(false);
+    EXPECT_EQ(all.at("keepAwake"), "off");
+    EXPECT_EQ(all.at("desktopIcons"), "off");
+    EXPECT_EQ(all.at("dockAutohide"), "on");
+    EXPECT_EQ(all.at("alertVolume"), "0");
+    EXPECT_EQ(all.at("app:com.apple.Keynote#501"), "shown");
+    EXPECT_EQ(all.at("dnd"), "off");
+    EXPECT_NE(sys->state(true), before);
+
+    sys->failWrites.insert(EffectKind::keepAwake);
+    EXPECT_THROW(sys->startScreenSaver(), StageError);
+    sys->failWrites.clear();
+    sys->startScreenSaver();
+    EXPECT_EQ(sys->screenSaverStarts(), 1);
+}
+
+} // namespace
+} // namespace scrimlet
