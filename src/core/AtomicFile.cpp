@@ -38,8 +38,13 @@ bool writeAll(int fd, std::string_view data) {
 
 std::string temporaryName(const std::filesystem::path& target) {
     thread_local std::mt19937 engine{std::random_device{}()};
-    return "." + target.filename().string() + ".tmp-" + std::to_string(::getpid()) + "-" +
-           std::to_string(engine() % 1000000);
+    std::string name = ".";
+    name.append(target.filename().string());
+    name.append(".tmp-");
+    name.append(std::to_string(::getpid()));
+    name.push_back('-');
+    name.append(std::to_string(engine() % 1000000));
+    return name;
 }
 
 } // namespace
