@@ -1,5 +1,7 @@
 #include "DemoCapture.hpp"
 
+#include <optional>
+
 #include <string>
 #include <utility>
 
@@ -14,12 +16,14 @@ WindowInfo window(std::int32_t pid, std::string owner, std::string bundleID, std
     return WindowInfo{pid, std::move(owner), std::move(bundleID), layer, bounds, 1};
 }
 
-/// The desk with `extra` behind it, on the demo display, with nothing running and no
-/// microphone or camera in use.
-CaptureSnapshot deskWith(WindowInfo extra) {
+/// The desk, with `extra` behind it if given, on the demo display, with nothing running and
+/// no microphone or camera in use.
+CaptureSnapshot deskWith(std::optional<WindowInfo> extra) {
     CaptureSnapshot snapshot;
     snapshot.windows = desk();
-    snapshot.windows.push_back(std::move(extra));
+    if (extra) {
+        snapshot.windows.push_back(std::move(*extra));
+    }
     snapshot.displays = {display()};
     snapshot.selfPID = demoSelfPID;
     return snapshot;
@@ -36,6 +40,10 @@ std::vector<WindowInfo> desk() {
         window(501, "Keynote", "com.apple.Keynote", 0, Rect{80, 60, 1200, 800}),
         window(507, "Finder", "com.apple.finder", 0, Rect{200, 200, 700, 400}),
     };
+}
+
+CaptureSnapshot idle() {
+    return deskWith(std::nullopt);
 }
 
 CaptureSnapshot screenshot() {

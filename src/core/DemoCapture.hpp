@@ -14,6 +14,8 @@ namespace scrimlet::DemoCapture {
 DisplayInfo display();
 /// Keynote and the Finder at layer 0, in that order.
 std::vector<WindowInfo> desk();
+/// The desk alone, with nothing capturing: what the window list shows between captures.
+CaptureSnapshot idle();
 /// The system's screen-capture interface over the whole display, as during a screenshot.
 /// Not a capture.
 CaptureSnapshot screenshot();

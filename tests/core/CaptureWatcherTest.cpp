@@ -26,11 +26,7 @@ using Change = CaptureWatcher::Change;
 const CaptureSource zoom{"us.zoom.xos", "Zoom", CaptureKind::callShare};
 const CaptureSource chrome{"com.google.Chrome", "Chrome", CaptureKind::browserShare};
 
-const CaptureSnapshot nothing = [] {
-    CaptureSnapshot s = DemoCapture::zoomSharing();
-    s.windows = DemoCapture::desk();
-    return s;
-}();
+const CaptureSnapshot nothing = DemoCapture::idle();
 const CaptureSnapshot zoomShot = DemoCapture::zoomSharing();
 const CaptureSnapshot chromeShot = DemoCapture::chromeSharing();
 

@@ -23,6 +23,12 @@ struct StageRig {
 
     std::filesystem::path journalPath() const { return dir.path() / "journal.json"; }
 
+    /// The director as a show or a switch board holds it, shared. `director` hands it over
+    /// and is empty afterwards.
+    std::shared_ptr<Director> shareDirector() {
+        return std::shared_ptr<Director>(std::move(director));
+    }
+
     /// A new director on the same journal file, as the next launch would make.
     std::unique_ptr<Director> relaunch() {
         store = std::make_shared<JournalStore>(journalPath());
