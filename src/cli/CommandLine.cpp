@@ -1,0 +1,232 @@
+#include "CommandLine.hpp"
+
+#include "AppPaths.hpp"
+#include "DemoDay.hpp"
+#include "Listings.hpp"
+#include "SelfTest.hpp"
+#include "TerminationSignals.hpp"
+
+#include <cmath>
+#include <map>
+#include <optional>
+#include <set>
+
+#ifndef SCRIMLET_VERSION
+#define SCRIMLET_VERSION "unknown"
+#endif
+
+namespace scrimlet::CommandLine {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+void usage(std::ostream& out, const Harness::Environment& environment) {
+    const fs::path support = AppPaths::support(environment);
+    out << "Usage: scrimlet <command> [options]\n"
+           "\n"
+           "Scrimlet gets a Mac ready to be seen when a screen share or a recording starts, and\n"
+           "puts everything back when it ends. This command runs its engine on a simulated Mac:\n"
+           "nothing on this machine is changed.\n"
+           "\n"
+           "Commands:\n"
+           "  demo [--pace SECONDS] [--dir DIR]\n"
+           "        Plays a scripted day on the simulated Mac and tells what happens.\n"
+           "        --pace SECONDS  waits that long between moments, so the day plays in real\n"
+           "                        time; Ctrl-C or a kill then puts everything back and quits.\n"
+           "        --dir DIR       keeps the journal, settings and run sheets in DIR\n"
+           "                        (by default they stay in memory).\n"
+           "  selftest DIR\n"
+           "        Runs the self check with its files in DIR and writes DIR/selftest.txt.\n"
+           "        Exit status 0 when no step failed, 1 otherwise. The same runs when the\n"
+           "        environment holds SCRIMLET_SELFTEST=DIR.\n"
+           "  sheets [--file FILE] [--json]\n"
+           "        The run sheets of past shows, newest first; --json prints them as saved.\n"
+           "        FILE is "
+        << (support / "runsheets.json").string()
+        << " by default.\n"
+           "  journal [--file FILE]\n"
+           "        What the journal holds outstanding, that is, what Scrimlet would put back.\n"
+           "        FILE is "
+        << (support / "journal.json").string()
+        << " by default.\n"
+           "  help   This text. --version prints the version.\n";
+}
+
+int misuse(std::ostream& err, const std::string& problem) {
+    err << "scrimlet: " << problem << "\nTry 'scrimlet --help'.\n";
+    return usageError;
+}
+
+struct Options {
+    std::map<std::string, std::string> values;
+    std::set<std::string> flags;
+    std::vector<std::string> operands;
+    bool help = false;
+};
+
+// Reads "--name VALUE", "--name=VALUE" and bare flags after the command word; answers
+// nothing, having said why, for anything the command does not take.
+std::optional<Options> parse(const std::vector<std::string>& arguments,
+                             const std::set<std::string>& valued,
+                             const std::set<std::string>& flags, std::ostream& err) {
+    Options options;
+    const std::string& command = arguments.front();
+    for (size_t i = 1; i < arguments.size(); ++i) {
+        const std::string& argument = arguments[i];
+        if (argument == "--help" || argument == "-h") {
+            options.help = true;
+            continue;
+        }
+        if (argument.rfind("--", 0) != 0 || argument == "--") {
+            options.operands.push_back(argument);
+            continue;
+        }
+        const size_t equals = argument.find('=');
+        const std::string name = argument.substr(0, equals);
+        if (valued.count(name)) {
+            if (equals != std::string::npos) {
+                options.values[name] = argument.substr(equals + 1);
+            } else if (i + 1 < arguments.size()) {
+                options.values[name] = arguments[++i];
+            } else {
+                misuse(err, command + ": " + name + " needs a value");
+                return std::nullopt;
+            }
+        } else if (flags.count(name) && equals == std::string::npos) {
+            options.flags.insert(name);
+        } else {
+            misuse(err, command + ": unknown option '" + argument + "'");
+            return std::nullopt;
+        }
+    }
+    return options;
+}
+
+int selfTest(const std::string& dir, std::ostream& out, std::ostream& err) {
+    if (dir.empty()) {
+        return misuse(err, "selftest: the folder must not be empty");
+    }
+    const auto result = SelfTest::run(dir);
+    out << result.report;
+    out.flush();
+    return result.exitStatus;
+}
+
+int demo(const std::vector<std::string>& arguments, const Harness::Environment& environment,
+         std::ostream& out, std::ostream& err) {
+    const auto options = parse(arguments, {"--pace", "--dir"}, {}, err);
+    if (!options) {
+        return usageError;
+    }
+    if (options->help) {
+        usage(out, environment);
+        return 0;
+    }
+    if (!options->operands.empty()) {
+        return misuse(err, "demo: unexpected argument '" + options->operands.front() + "'");
+    }
+    DemoDay::Options day;
+    if (const auto pace = options->values.find("--pace"); pace != options->values.end()) {
+        size_t used = 0;
+        double seconds = -1;
+        try {
+            seconds = std::stod(pace->second, &used);
+        } catch (const std::exception&) {
+            used = 0;
+        }
+        if (used != pace->second.size() || !std::isfinite(seconds) || seconds < 0 ||
+            seconds > 3600) {
+            return misuse(err, "demo: --pace takes a number of seconds from 0 to 3600, not '" +
+                                   pace->second + "'");
+        }
+        day.pace = seconds;
+    }
+    if (const auto dir = options->values.find("--dir"); dir != options->values.end()) {
+        if (dir->second.empty()) {
+            return misuse(err, "demo: --dir must not be empty");
+        }
+        std::error_code error;
+        fs::create_directories(dir->second, error);
+        if (error || !fs::is_directory(dir->second, error)) {
+            err << "scrimlet: demo: cannot use the folder " << dir->second << "\n";
+            return 1;
+        }
+        day.dir = fs::path(dir->second);
+    }
+    TerminationSignals signals;
+    return DemoDay(out, day, &signals).play();
+}
+
+int listing(const std::vector<std::string>& arguments, const Harness::Environment& environment,
+            std::ostream& out, std::ostream& err) {
+    const bool sheets = arguments.front() == "sheets";
+    const auto options =
+        parse(arguments, {"--file"},
+              sheets ? std::set<std::string>{"--json"} : std::set<std::string>{}, err);
+    if (!options) {
+        return usageError;
+    }
+    if (options->help) {
+        usage(out, environment);
+        return 0;
+    }
+    if (!options->operands.empty()) {
+        return misuse(err, arguments.front() + ": unexpected argument '" +
+                               options->operands.front() + "'");
+    }
+    fs::path file = AppPaths::support(environment) / (sheets ? "runsheets.json" : "journal.json");
+    if (const auto given = options->values.find("--file"); given != options->values.end()) {
+        if (given->second.empty()) {
+            return misuse(err, arguments.front() + ": --file must not be empty");
+        }
+        file = given->second;
+    }
+    return sheets ? Listings::sheets(file, options->flags.count("--json") > 0, out, err)
+                  : Listings::journal(file, out);
+}
+
+} // namespace
+
+int run(const std::vector<std::string>& arguments, const Harness::Environment& environment,
+        std::ostream& out, std::ostream& err) {
+    if (const auto dir = Harness::selfTestDir(environment)) {
+        return selfTest(*dir, out, err);
+    }
+    if (arguments.empty()) {
+        usage(err, environment);
+        return usageError;
+    }
+    const std::string& command = arguments.front();
+    if (command == "help" || command == "--help" || command == "-h") {
+        usage(out, environment);
+        return 0;
+    }
+    if (command == "--version") {
+        out << "scrimlet " << SCRIMLET_VERSION << "\n";
+        return 0;
+    }
+    if (command == "selftest") {
+        const auto options = parse(arguments, {}, {}, err);
+        if (!options) {
+            return usageError;
+        }
+        if (options->help) {
+            usage(out, environment);
+            return 0;
+        }
+        if (options->operands.size() != 1) {
+            return misuse(err, "selftest needs exactly one folder: scrimlet selftest DIR");
+        }
+        return selfTest(options->operands.front(), out, err);
+    }
+    if (command == "demo") {
+        return demo(arguments, environment, out, err);
+    }
+    if (command == "sheets" || command == "journal") {
+        return listing(arguments, environment, out, err);
+    }
+    return misuse(err, "unknown command '" + command + "'");
+}
+
+} // namespace scrimlet::CommandLine
