@@ -5,8 +5,7 @@
 namespace vantrel {
 namespace {
 
-using UpdateLogic::isNewer;
-using UpdateLogic::systemSupports;
+using fakes::base64;
 using UpdateLogic::verify;
 
 std::string fromHex(std::string_view hex) {
@@ -16,39 +15,34 @@ std::string fromHex(std::string_view hex) {
     return out;
 }
 
-std::string base64(std::string_view raw) {
-    return fakes::base64(reinterpret_cast<const unsigned char*>(raw.data()), raw.size());
-}
-
 TEST(UpdateLogic, IsNewerComparesDigitRunsAsNumbersAndTheRestAsText) {
-    EXPECT_TRUE(isNewer("1.10", "1.9"));
-    EXPECT_FALSE(isNewer("1.9", "1.10"));
-    EXPECT_TRUE(isNewer("2.0", "1.99.99"));
-    EXPECT_TRUE(isNewer("1.0.1", "1.0"));
-    EXPECT_TRUE(isNewer("123456789012345678901234567890", "123456789012345678901234567889"));
-    for (const char* version : {"1.0", "", "2.0 beta"}) {
-        EXPECT_FALSE(isNewer(version, version)) << version;
+    using Pair = std::pair<const char*, const char*>;
+    // Where one side has a digit and the other not, the characters decide.
+    for (const auto& [a, than] :
+         {Pair{"1.10", "1.9"}, Pair{"2.0", "1.99.99"}, Pair{"1.0.1", "1.0"},
+          Pair{"1.0b10", "1.0b9"}, Pair{"1.a", "1.1"},
+          Pair{"123456789012345678901234567890", "123456789012345678901234567889"}}) {
+        EXPECT_TRUE(UpdateLogic::isNewer(a, than)) << a << " than " << than;
+        EXPECT_FALSE(UpdateLogic::isNewer(than, a)) << than << " than " << a;
     }
-    // Leading zeros do not count; suffixes only make a text longer; where one side has a
-    // digit and the other not, the characters decide.
-    EXPECT_FALSE(isNewer("1.01", "1.1"));
-    EXPECT_FALSE(isNewer("1.1", "1.01"));
-    EXPECT_TRUE(isNewer("1.0b2", "1.0"));
-    EXPECT_TRUE(isNewer("1.0b10", "1.0b9"));
-    EXPECT_TRUE(isNewer("1.a", "1.1"));
+    // Leading zeros do not count.
+    for (const auto& [a, b] :
+         {Pair{"1.0", "1.0"}, Pair{"", ""}, Pair{"2.0 beta", "2.0 beta"}, Pair{"1.01", "1.1"}}) {
+        EXPECT_FALSE(UpdateLogic::isNewer(a, b) || UpdateLogic::isNewer(b, a)) << a << " " << b;
+    }
 }
 
 TEST(UpdateLogic, SystemSupportsComparesUpToThreeNumbers) {
     const OperatingSystemVersion ventura{13, 6, 1};
-    EXPECT_TRUE(systemSupports(std::nullopt, ventura));
-    EXPECT_TRUE(systemSupports("", ventura));
-    EXPECT_TRUE(systemSupports("14", {14, 0, 0}));
-    EXPECT_FALSE(systemSupports("14", ventura));
-    EXPECT_TRUE(systemSupports("13.6.1.9", ventura));
-    EXPECT_FALSE(systemSupports("13.6.2", ventura));
+    EXPECT_TRUE(UpdateLogic::systemSupports(std::nullopt, ventura));
+    EXPECT_TRUE(UpdateLogic::systemSupports("14", {14, 0, 0}));
     // Empty parts are dropped and parts that are not numbers left out.
-    EXPECT_TRUE(systemSupports("13..6", ventura));
-    EXPECT_FALSE(systemSupports("13.beta.7", ventura));
+    const std::pair<const char*, bool> cases[] = {{"", true},         {"14", false},
+                                                  {"13.6.1.9", true}, {"13.6.2", false},
+                                                  {"13..6", true},    {"13.beta.7", false}};
+    for (const auto& [minimum, supported] : cases) {
+        EXPECT_EQ(UpdateLogic::systemSupports(minimum, ventura), supported) << minimum;
+    }
 }
 
 TEST(UpdateLogic, VerifyAcceptsTheRfc8032Vectors) {
@@ -65,52 +59,36 @@ TEST(UpdateLogic, VerifyAcceptsTheRfc8032Vectors) {
          "f760984dc6594a7c15e9716ed28dc027beceea1ec40a"},
     };
     for (const auto& [key, message, signature] : vectors) {
-        EXPECT_TRUE(verify(fromHex(message), base64(fromHex(signature)), base64(fromHex(key))));
-        EXPECT_FALSE(
-            verify(fromHex(message) + "x", base64(fromHex(signature)), base64(fromHex(key))));
+        const std::string sig = base64(fromHex(signature));
+        EXPECT_TRUE(verify(fromHex(message), sig, base64(fromHex(key))));
+        EXPECT_FALSE(verify(fromHex(message) + "x", sig, base64(fromHex(key))));
     }
+    // Another key's signature.
     EXPECT_FALSE(
         verify(fromHex("72"), base64(fromHex(vectors[1][2])), base64(fromHex(vectors[2][0]))));
 }
 
 TEST(UpdateLogic, VerifyOwnSignatureAndEveryMalformedInput) {
     const fakes::SigningKey signer;
-    std::string archive(5000, '\0');
-    for (std::size_t i = 0; i < archive.size(); ++i) {
-        archive[i] = static_cast<char>(i * 7);
-    }
-    const std::string key = signer.publicBase64();
-    const std::string signature = signer.sign(archive);
+    const std::string archive = fakes::Archive{.padding = 5000}.bytes();
+    const std::string key = base64(signer.publicKey);
+    const std::string rawSignature = signer.sign(archive);
+    const std::string signature = base64(rawSignature);
     EXPECT_TRUE(verify(archive, signature, key));
-
-    for (const std::size_t at : {std::size_t{0}, std::size_t{2500}, std::size_t{4999}}) {
+    for (const std::size_t at : {std::size_t{0}, archive.size() / 2, archive.size() - 1}) {
         std::string flipped = archive;
-        flipped[at] = static_cast<char>(flipped[at] ^ 0x80);
+        flipped[at] = static_cast<char>(flipped[at] ^ 0x01);
         EXPECT_FALSE(verify(flipped, signature, key)) << at;
     }
-    std::string rawSignature(64, '\0');
-    sodium_base642bin(reinterpret_cast<unsigned char*>(rawSignature.data()), 64, signature.data(),
-                      signature.size(), nullptr, nullptr, nullptr, sodium_base64_VARIANT_ORIGINAL);
-    const std::string rawKey(reinterpret_cast<const char*>(signer.publicKey), 32);
-    const std::string unpadded = signature.substr(0, signature.find('='));
-    std::string spaced = signature;
-    spaced.insert(8, " ");
-    // Valid Base64 of the wrong length, raw bytes, loose or broken Base64: false, no error.
-    for (const auto& [badSignature, badKey] : std::vector<std::pair<std::string, std::string>>{
-             {base64(rawSignature.substr(0, 63)), key},
-             {base64(rawSignature + '\0'), key},
-             {"", key},
-             {unpadded, key},
-             {spaced, key},
-             {"not base64!", key},
-             {rawSignature, key},
-             {signature, base64(rawKey.substr(0, 31))},
-             {signature, base64(rawKey + '!')},
-             {signature, ""},
-             {signature, rawKey},
-             {signature, key + "="},
-         }) {
-        EXPECT_FALSE(verify(archive, badSignature, badKey)) << badSignature << " " << badKey;
+    // Base64 of the wrong length, raw bytes, loose or broken Base64: false, never an error.
+    for (const std::string& bad :
+         {base64(rawSignature.substr(0, 63)), base64(rawSignature + '\0'), rawSignature,
+          signature.substr(0, signature.find('=')), std::string("not base64!")}) {
+        EXPECT_FALSE(verify(archive, bad, key)) << bad;
+    }
+    for (const std::string& bad : {base64(signer.publicKey.substr(0, 31)),
+                                   base64(signer.publicKey + '!'), signer.publicKey, key + "="}) {
+        EXPECT_FALSE(verify(archive, signature, bad)) << bad;
     }
 }
 

@@ -11,7 +11,6 @@
 #include <nlohmann/json.hpp>
 #include <sodium.h>
 
-#include <algorithm>
 #include <fstream>
 #include <map>
 #include <set>
@@ -20,13 +19,8 @@
 namespace vantrel {
 
 inline void PrintTo(const Updater::Phase& phase, std::ostream* out) {
-    *out << "phase #" << phase.value.index();
-    if (const auto* feed = phase.feed()) {
-        *out << " of " << feed->version;
-    }
-    if (const auto* failed = phase.as<Updater::Phase::Failed>()) {
-        *out << " \"" << failed->message << '"';
-    }
+    const auto* failed = phase.as<Updater::Phase::Failed>();
+    *out << "phase #" << phase.value.index() << (failed ? " " + failed->message : "");
 }
 
 namespace fakes {
@@ -44,72 +38,59 @@ inline void writeText(const fs::path& path, const std::string& text) {
     std::ofstream(path, std::ios::binary) << text;
 }
 
-inline std::string base64(const unsigned char* bytes, std::size_t length) {
-    std::string text(sodium_base64_encoded_len(length, sodium_base64_VARIANT_ORIGINAL), '\0');
-    sodium_bin2base64(text.data(), text.size(), bytes, length, sodium_base64_VARIANT_ORIGINAL);
+inline std::string base64(std::string_view raw) {
+    std::string text(sodium_base64_encoded_len(raw.size(), sodium_base64_VARIANT_ORIGINAL), '\0');
+    sodium_bin2base64(text.data(), text.size(), reinterpret_cast<const unsigned char*>(raw.data()),
+                      raw.size(), sodium_base64_VARIANT_ORIGINAL);
     text.pop_back();
     return text;
 }
 
 /// An Ed25519 key pair of the test's own.
 struct SigningKey {
-    unsigned char publicKey[crypto_sign_PUBLICKEYBYTES];
+    std::string publicKey = std::string(crypto_sign_PUBLICKEYBYTES, '\0');
     unsigned char secretKey[crypto_sign_SECRETKEYBYTES];
 
     SigningKey() {
         EXPECT_GE(sodium_init(), 0);
-        crypto_sign_keypair(publicKey, secretKey);
+        crypto_sign_keypair(reinterpret_cast<unsigned char*>(publicKey.data()), secretKey);
     }
-    std::string publicBase64() const { return base64(publicKey, sizeof publicKey); }
+    /// The raw 64 bytes.
     std::string sign(std::string_view data) const {
-        unsigned char signature[crypto_sign_BYTES];
-        crypto_sign_detached(signature, nullptr,
+        std::string signature(crypto_sign_BYTES, '\0');
+        crypto_sign_detached(reinterpret_cast<unsigned char*>(signature.data()), nullptr,
                              reinterpret_cast<const unsigned char*>(data.data()), data.size(),
                              secretKey);
-        return base64(signature, sizeof signature);
+        return signature;
     }
 };
 
-/// What the pretend archive unpacks to: a folder `name` whose "Info" file holds the bundle
-/// identifier and the version, one per line.
+/// The pretend archive unpacks to a Scrimlet.app whose "Info" is the archive itself: the
+/// bundle identifier and the version on the first two lines, then padding to make it as long
+/// as a real one might be.
 struct Archive {
-    std::string name = "Scrimlet.app";
     std::string bundleIdentifier = "app.vantrel.scrimlet";
     std::string version = "1.1";
-    /// Makes the archive as long as a real one might be.
     std::size_t padding = 0;
 
     std::string bytes() const {
-        return name + "\n" + bundleIdentifier + "\n" + version + "\n" + std::string(padding, 'z');
+        return bundleIdentifier + "\n" + version + "\n" + std::string(padding, 'z');
     }
 };
-
-inline std::vector<std::string> lines(const std::string& text) {
-    std::vector<std::string> out;
-    std::istringstream in(text);
-    for (std::string line; std::getline(in, line);) {
-        out.push_back(line);
-    }
-    return out;
-}
 
 struct Host : UpdaterHost {
     void runOnMain(Task task) override { task(); }
     void runInBackground(Task task) override { task(); }
     void runAfter(double seconds, Task task) override { delayed.push_back({seconds, task}); }
     void runEvery(double seconds, Task task) override { repeating.push_back({seconds, task}); }
-    void whenTerminating(Task task) override { terminationTasks.push_back(task); }
-    void terminate() override {
-        for (const auto& task : terminationTasks) {
-            task();
-        }
-    }
+    void whenTerminating(Task task) override { onTerminate = task; }
+    void terminate() override { onTerminate(); }
     void showWindow() override { ++windowsShown; }
     int processId() const override { return 4242; }
     double now() const override { return clock; }
 
     std::vector<std::pair<double, Task>> delayed, repeating;
-    std::vector<Task> terminationTasks;
+    Task onTerminate;
     int windowsShown = 0;
     double clock = 1'700'000'000;
 };
@@ -127,20 +108,12 @@ struct Server : HttpTransport {
         if (found == routes.end()) {
             throw HttpError("A server with the specified hostname could not be found.");
         }
-        if (!receiver.status(found->second.status)) {
-            return;
-        }
         // One byte at a time, the worst case for anyone counting.
-        for (const char byte : found->second.body) {
-            ++delivered;
-            if (!receiver.body(std::string_view(&byte, 1))) {
-                return;
-            }
+        const std::string& body = found->second.body;
+        bool more = receiver.status(found->second.status);
+        for (std::size_t i = 0; more && i < body.size(); ++i, ++delivered) {
+            more = receiver.body(std::string_view(body).substr(i, 1));
         }
-    }
-    int requestsFor(const std::string& url) const {
-        return static_cast<int>(std::count_if(requests.begin(), requests.end(),
-                                              [&](const Request& r) { return r.url == url; }));
     }
 
     std::map<std::string, Route> routes;
@@ -158,9 +131,7 @@ struct Tools : ToolRunner {
             return statuses[path];
         }
         if (path == "/usr/bin/ditto") {
-            const auto archive = lines(readText(arguments.at(2)));
-            writeText(fs::path(arguments.at(3)) / archive.at(0) / "Info",
-                      archive.at(1) + "\n" + archive.at(2) + "\n");
+            writeText(fs::path(arguments.at(3)) / "Scrimlet.app" / "Info", readText(arguments[2]));
         }
         return 0;
     }
@@ -183,11 +154,10 @@ struct Defaults : UserDefaults {
 
 struct Files : BundleFiles {
     std::optional<BundleFacts> open(const fs::path& path) const override {
-        const auto info = lines(readText(path / "Info"));
-        if (info.size() != 2) {
-            return std::nullopt;
-        }
-        return BundleFacts{path, info[0], {{"CFBundleShortVersionString", info[1]}}};
+        std::ifstream info(path / "Info");
+        std::string identifier, version;
+        std::getline(std::getline(info, identifier), version);
+        return BundleFacts{path, identifier, {{"CFBundleShortVersionString", version}}};
     }
     bool isWritable(const fs::path& path) const override { return !readOnly.contains(path); }
 
@@ -213,7 +183,7 @@ struct UpdaterWorld {
                        {{"CFBundleShortVersionString", "1.0"},
                         {"CFBundleName", "Scrimlet"},
                         {"VantrelUpdateFeedURL", feedURL},
-                        {"VantrelUpdatePublicKey", key.publicBase64()}}};
+                        {"VantrelUpdatePublicKey", fakes::base64(key.publicKey)}}};
     std::filesystem::path caches = temp / "Caches";
     std::filesystem::path staging = caches / "app.vantrel.scrimlet" / "VantrelUpdate";
 
@@ -227,7 +197,7 @@ struct UpdaterWorld {
         const UpdateFeed feed{
             version, "https://example.com/scrimlet", "Faster curtains.", std::nullopt,
             UpdateFeed::Download{archiveURL, static_cast<std::int64_t>(bytes.size()),
-                                 key.sign(bytes)}};
+                                 fakes::base64(key.sign(bytes))}};
         server->routes[feedURL] = {200, feed.toJson().dump()};
         server->routes[archiveURL] = {200, bytes};
         return feed;
