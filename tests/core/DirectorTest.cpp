@@ -1,6 +1,5 @@
 #include "Director.hpp"
 
-#include "AtomicFile.hpp"
 #include "StageRig.hpp"
 
 #include <gtest/gtest.h>
@@ -192,8 +191,6 @@ TEST(Director, FailedWritesNeverLeaveAFalseJournal) {
     EXPECT_EQ(d.ownersFullyOverridden(), (std::vector<std::string>{"stage", "switch.muteAlerts"}));
 
     // A failed undo is reported and not retried.
-    rig.sys->failWrites.insert(EffectKind::dockAutohide);
-    rig.sys->failWrites.erase(EffectKind::dockAutohide);
     d.claim(dock, on(), "x");
     rig.sys->failWrites.insert(EffectKind::dockAutohide);
     EXPECT_EQ(d.release(dock, "x"), CueOutcome::failed("fake failure"));
@@ -244,25 +241,6 @@ TEST(Director, ADisplayUndoWaitsForTheDisplayToReturn) {
     EXPECT_EQ(outcomes(settled), std::vector{Case::restored});
     EXPECT_EQ(rig.sys->read(display1), num(20));
     EXPECT_FALSE(d.hasOutstanding());
-}
-
-TEST(Director, EntriesRoundTripThroughTheFileWithAnAbsentBeforeLeftOut) {
-    StageRig rig;
-    rig.director->claim(dnd, on(), "stage");
-    rig.director->claim(display1, num(14), "stage");
-    auto reloaded = rig.relaunch();
-    ASSERT_EQ(reloaded->entries().size(), 2u);
-    EXPECT_EQ(reloaded->entries()[1].key, display1);
-    EXPECT_EQ(reloaded->entries()[1].before, num(20));
-    EXPECT_EQ(reloaded->entries()[1].owners, std::vector<std::string>{"stage"});
-
-    // An entry that never learnt its `before` keeps it absent, and the key is not written.
-    auto entries = reloaded->entries();
-    entries[0].before.reset();
-    rig.store->save(entries);
-    const auto text = *files::read(rig.journalPath());
-    EXPECT_EQ(text.find("null"), std::string::npos);
-    EXPECT_FALSE(rig.relaunch()->entries()[0].before.has_value());
 }
 
 // Each row of the recovery table: an entry as a dead process left it, the Mac as the next
@@ -341,16 +319,6 @@ TEST(Director, RecoveryFollowsTheStateOfEachEntry) {
     EXPECT_TRUE(again->recoverAtLaunch().empty());
     EXPECT_EQ(rig.store->saves(), 0);
     EXPECT_GT(saves, 0);
-}
-
-TEST(Director, OnlyProcessHeldEffectsLeaveNoRecordAndNoJournal) {
-    StageRig rig;
-    rig.director->claim(keepAwake, on(), "stage");
-    rig.director->claim(EffectKey(EffectKind::backdrop), on(), "stage");
-    rig.sys->processDied();
-    auto d = rig.relaunch();
-    EXPECT_TRUE(d->recoverAtLaunch().empty());
-    EXPECT_FALSE(std::filesystem::exists(rig.journalPath()));
 }
 
 } // namespace

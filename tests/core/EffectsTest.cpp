@@ -29,21 +29,6 @@ TEST(Effects, AppTargetsParseForgivinglyAndKeepHashesInNames) {
     EXPECT_EQ(EffectKey(EffectKind::spotlight).description(), "spotlight");
 }
 
-TEST(Effects, KindsKeepTheirOrderRawValuesAndLifetimes) {
-    int outliving = 0;
-    for (const auto kind : effect_kind::allCases) {
-        EXPECT_EQ(effectKindFromRaw(rawValue(kind)), kind);
-        outliving += outlivesApp(kind) ? 1 : 0;
-    }
-    EXPECT_EQ(outliving, 7);
-    EXPECT_TRUE(outlivesApp(EffectKind::displayMode));
-    EXPECT_FALSE(outlivesApp(EffectKind::keepAwake));
-    EXPECT_FALSE(effectKindFromRaw("DarkMode"));
-    EXPECT_EQ(title(EffectKind::alertVolume), "Mute alert sounds");
-    EXPECT_EQ(ResolutionPreset::common()[1].label(), "1440 × 900");
-    EXPECT_EQ(ResolutionPreset::common()[2].id(), "1920x1080");
-}
-
 TEST(Effects, ValuesMatchWithATolerantNumberComparison) {
     const auto n = JournalValue::number;
     EXPECT_TRUE(n(0.35).matches(n(0.36)));
