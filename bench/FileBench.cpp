@@ -4,36 +4,17 @@
 
 #include "RunSheetFile.hpp"
 #include "SettingsFile.hpp"
+#include "TempDir.hpp"
 
 #include <benchmark/benchmark.h>
 
 #include <filesystem>
-#include <random>
 #include <string>
 
 namespace scrimlet {
 namespace {
 
-class ScratchFolder {
-public:
-    ScratchFolder() {
-        std::random_device device;
-        path_ = std::filesystem::temp_directory_path() /
-                ("scrimlet-bench-" + std::to_string(device()) + std::to_string(device()));
-        std::filesystem::create_directories(path_);
-    }
-    ~ScratchFolder() {
-        std::error_code ignored;
-        std::filesystem::remove_all(path_, ignored);
-    }
-    ScratchFolder(const ScratchFolder&) = delete;
-    ScratchFolder& operator=(const ScratchFolder&) = delete;
-
-    std::filesystem::path operator/(const std::string& name) const { return path_ / name; }
-
-private:
-    std::filesystem::path path_;
-};
+using ScratchFolder = testing::TempDir;
 
 StageSettings fullSettings() {
     StageSettings s;

@@ -2,39 +2,16 @@
 #include "FakeStageSystem.hpp"
 #include "ManualClock.hpp"
 #include "Show.hpp"
+#include "TempDir.hpp"
 
 #include <benchmark/benchmark.h>
 
 #include <filesystem>
 #include <memory>
-#include <random>
 #include <string>
 
 namespace scrimlet {
 namespace {
-
-/// A folder of its own for each benchmark, removed afterwards; the journal lives in it, on
-/// the same disk as a real support folder would.
-class Scratch {
-public:
-    Scratch() {
-        std::random_device device;
-        path_ = std::filesystem::temp_directory_path() /
-                ("scrimlet-bench-" + std::to_string(device()) + std::to_string(device()));
-        std::filesystem::create_directories(path_);
-    }
-    ~Scratch() {
-        std::error_code ignored;
-        std::filesystem::remove_all(path_, ignored);
-    }
-    Scratch(const Scratch&) = delete;
-    Scratch& operator=(const Scratch&) = delete;
-
-    std::filesystem::path journal() const { return path_ / "journal.json"; }
-
-private:
-    std::filesystem::path path_;
-};
 
 // Every flag, and a size the demo display has: the heaviest plan a user can choose.
 StageSettings fullPlan() {
@@ -78,8 +55,8 @@ void showCycle(benchmark::State& state, std::optional<std::filesystem::path> jou
 }
 
 void BM_ShowCycleJournalOnDisk(benchmark::State& state) {
-    const Scratch scratch;
-    showCycle(state, scratch.journal());
+    const testing::TempDir scratch;
+    showCycle(state, scratch / "journal.json");
 }
 BENCHMARK(BM_ShowCycleJournalOnDisk)->Unit(benchmark::kMillisecond);
 
@@ -93,7 +70,7 @@ BENCHMARK(BM_ShowCycleJournalInMemory)->Unit(benchmark::kMicrosecond);
 // the Mac back, file the sheet. The demo Mac has four more apps here, so that the full plan
 // hides eleven: the cover, eleven apps and eight other items.
 void BM_RecoveryOfTwentyEntryJournal(benchmark::State& state) {
-    const Scratch scratch;
+    const testing::TempDir scratch;
     auto clock = std::make_shared<ManualClock>(Date{1'790'000'000});
     auto sys = FakeStageSystem::demo();
     for (int i = 0; i < 4; ++i) {
@@ -101,13 +78,13 @@ void BM_RecoveryOfTwentyEntryJournal(benchmark::State& state) {
                                     "Extra " + std::to_string(i), 520 + i, false, true});
     }
     const auto lit = [&] {
-        auto store = std::make_shared<JournalStore>(scratch.journal());
+        auto store = std::make_shared<JournalStore>(scratch / "journal.json");
         auto director = std::make_shared<Director>(sys, store, ManualClock::reading(clock));
         Show show(director, fullPlan(), {}, ManualClock::reading(clock));
         show.start("Menu bar", false);
         return director->entries().size();
     }();
-    const auto journal = files::read(scratch.journal());
+    const auto journal = files::read(scratch / "journal.json");
     if (lit != 20 || !journal) {
         state.SkipWithError("the show did not leave twenty entries on disk");
         return;
@@ -120,13 +97,13 @@ void BM_RecoveryOfTwentyEntryJournal(benchmark::State& state) {
     size_t records = 0;
     for (auto _ : state) {
         state.PauseTiming();
-        files::writeAtomically(scratch.journal(), *journal);
+        files::writeAtomically(scratch / "journal.json", *journal);
         sys->values = values;
         sys->apps = apps;
         sys->dnd = dnd;
         state.ResumeTiming();
 
-        auto store = std::make_shared<JournalStore>(scratch.journal());
+        auto store = std::make_shared<JournalStore>(scratch / "journal.json");
         auto director = std::make_shared<Director>(sys, store, ManualClock::reading(clock));
         Show show(director, StageSettings{}, {}, ManualClock::reading(clock));
         const auto sheet = show.recoverAtLaunch();
@@ -134,7 +111,7 @@ void BM_RecoveryOfTwentyEntryJournal(benchmark::State& state) {
         benchmark::DoNotOptimize(sheet);
     }
     // The four effects held by the process died with it and leave no line.
-    if (records != 16 || std::filesystem::exists(scratch.journal())) {
+    if (records != 16 || std::filesystem::exists(scratch / "journal.json")) {
         state.SkipWithError("recovery did not put back the sixteen lasting effects");
     }
     state.counters["entries"] = static_cast<double>(lit);

@@ -65,7 +65,10 @@ TEST(CueSheet, EmptyPlansAndAResolutionThatCannotBeHad) {
                          app("a.agent", "Agent", 3, false, false)},
                         std::nullopt, {1}, {});
     EXPECT_TRUE(CueSheet::cues(plan(false), mac, {}).empty());
+    EXPECT_EQ(plan(false).count(), 0);
+    EXPECT_EQ(plan(true, ResolutionPreset{1280, 720}).count(), 10);
     StagePlan size = plan(false, ResolutionPreset{1280, 720});
+    EXPECT_EQ(size.count(), 1);
     EXPECT_EQ(keys(CueSheet::cues(size, mac, {})), Keys{"displayMode[1]"});
     size.resolution = ResolutionPreset{800, 600};
     EXPECT_TRUE(CueSheet::cues(size, mac, {}).empty());
@@ -77,6 +80,7 @@ TEST(CueSheet, EmptyPlansAndAResolutionThatCannotBeHad) {
     StagePlan hide = plan(false);
     hide.hideOtherApps = true;
     EXPECT_TRUE(CueSheet::cues(hide, mac, {"a.kept"}).empty());
+    EXPECT_EQ(hide.count(), 1) << "hiding counts as one item, whatever it hides";
 }
 
 TEST(CueSheet, HidesEachProcessByNameAndKeepsEveryProcessOfAKeptApp) {
