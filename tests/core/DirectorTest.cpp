@@ -7,41 +7,23 @@
 namespace scrimlet {
 namespace {
 
-using testing::num;
-using testing::off;
-using testing::on;
-using testing::StageRig;
+using namespace testing;
 using Case = CueOutcome::Case;
-
-const EffectKey dock{EffectKind::dockAutohide};
-const EffectKey dark{EffectKind::darkMode};
-const EffectKey alerts{EffectKind::alertVolume};
-const EffectKey dnd{EffectKind::doNotDisturb};
-const EffectKey display1{EffectKind::displayMode, "1"};
-const EffectKey keepAwake{EffectKind::keepAwake};
-
-std::vector<Case> outcomes(const std::vector<CueRecord>& records) {
-    std::vector<Case> out;
-    for (const auto& r : records) {
-        out.push_back(r.outcome.kind());
-    }
-    return out;
-}
 
 TEST(Director, SharedOwnershipKeepsTheEffectUntilTheLastOwnerLetsGo) {
     StageRig rig;
     auto& d = *rig.director;
-    EXPECT_EQ(d.claim(dark, on(), "switch.darkMode"), CueOutcome::applied());
-    EXPECT_EQ(d.claim(dark, on(), "stage"), CueOutcome::joined());
+    EXPECT_EQ(d.claim(darkMode, on(), "switch.darkMode"), CueOutcome::applied());
+    EXPECT_EQ(d.claim(darkMode, on(), "stage"), CueOutcome::joined());
     EXPECT_EQ(rig.sys->writeCount(), 1);
-    EXPECT_EQ(d.owners(dark), (std::vector<std::string>{"switch.darkMode", "stage"}));
+    EXPECT_EQ(d.owners(darkMode), (std::vector<std::string>{"switch.darkMode", "stage"}));
 
-    EXPECT_EQ(d.release(dark, "switch.darkMode"), CueOutcome::stillHeld());
-    EXPECT_EQ(rig.sys->read(dark), on());
+    EXPECT_EQ(d.release(darkMode, "switch.darkMode"), CueOutcome::stillHeld());
+    EXPECT_EQ(rig.sys->read(darkMode), on());
     EXPECT_TRUE(std::filesystem::exists(rig.journalPath()));
 
-    EXPECT_EQ(d.release(dark, "stage"), CueOutcome::restored());
-    EXPECT_EQ(rig.sys->read(dark), off());
+    EXPECT_EQ(d.release(darkMode, "stage"), CueOutcome::restored());
+    EXPECT_EQ(rig.sys->read(darkMode), off());
     EXPECT_FALSE(d.hasOutstanding());
     EXPECT_FALSE(std::filesystem::exists(rig.journalPath()));
 }
@@ -55,12 +37,12 @@ TEST(Director, RepeatedAndAlreadySoClaimsWriteNothing) {
     EXPECT_EQ(rig.sys->writeCount(), 1);
 
     // The Mac already stands where it is asked to be: held, but never put back.
-    EXPECT_EQ(d.claim(dark, off(), "stage"), CueOutcome::alreadySo());
-    EXPECT_FALSE(d.entry(dark)->changed);
-    EXPECT_EQ(d.release(dark, "stage"), CueOutcome::alreadyBack());
+    EXPECT_EQ(d.claim(darkMode, off(), "stage"), CueOutcome::alreadySo());
+    EXPECT_FALSE(d.entry(darkMode)->changed);
+    EXPECT_EQ(d.release(darkMode, "stage"), CueOutcome::alreadyBack());
     EXPECT_EQ(rig.sys->writeCount(), 1);
 
-    EXPECT_EQ(d.release(dark, "stage"), std::nullopt);
+    EXPECT_EQ(d.release(darkMode, "stage"), std::nullopt);
     EXPECT_EQ(d.release(dock, "nobody"), std::nullopt);
     EXPECT_EQ(d.log().size(), 4u);
 }
@@ -143,12 +125,12 @@ TEST(Director, AUserWhoPutsTheValueBackIsLeftAloneEitherWay) {
     EXPECT_EQ(rig.sys->writeCount(), writes);
 
     // An entry that changed nothing is never looked at.
-    d.claim(dark, off(), "stage");
-    rig.sys->userSet(dark, on());
+    d.claim(darkMode, off(), "stage");
+    rig.sys->userSet(darkMode, on());
     rig.clock->advance(5);
     EXPECT_TRUE(d.reconcile().empty());
-    EXPECT_EQ(d.release(dark, "stage"), CueOutcome::alreadyBack());
-    EXPECT_EQ(rig.sys->read(dark), on());
+    EXPECT_EQ(d.release(darkMode, "stage"), CueOutcome::alreadyBack());
+    EXPECT_EQ(rig.sys->read(darkMode), on());
 }
 
 TEST(Director, AnAppThatQuitIsGoneAndTheOtherIsStillShownAgain) {
@@ -174,7 +156,7 @@ TEST(Director, FailedWritesNeverLeaveAFalseJournal) {
     StageRig rig;
     auto& d = *rig.director;
     rig.sys->failWrites.insert(EffectKind::darkMode);
-    EXPECT_EQ(d.claim(dark, on(), "stage"), CueOutcome::failed("fake failure"));
+    EXPECT_EQ(d.claim(darkMode, on(), "stage"), CueOutcome::failed("fake failure"));
     EXPECT_FALSE(d.hasOutstanding());
     EXPECT_FALSE(std::filesystem::exists(rig.journalPath()));
 
@@ -202,18 +184,18 @@ TEST(Director, UnavailableEffectsAreSkippedButAJoiningOwnerStaysOnRecord) {
     auto& d = *rig.director;
     rig.sys->availabilityOverrides.insert_or_assign(
         EffectKind::darkMode, Availability::needsPermission("Allow Automation"));
-    EXPECT_EQ(d.claim(dark, on(), "stage"), CueOutcome::skipped("Allow Automation"));
+    EXPECT_EQ(d.claim(darkMode, on(), "stage"), CueOutcome::skipped("Allow Automation"));
     EXPECT_FALSE(std::filesystem::exists(rig.journalPath()));
     EXPECT_EQ(d.log().back().outcome.label(), "Skipped · Allow Automation");
 
     rig.sys->availabilityOverrides.clear();
-    d.claim(dark, on(), "switch.darkMode");
-    rig.sys->userSet(dark, off());
+    d.claim(darkMode, on(), "switch.darkMode");
+    rig.sys->userSet(darkMode, off());
     rig.sys->availabilityOverrides.insert_or_assign(EffectKind::darkMode,
                                                     Availability::unavailable(""));
-    EXPECT_EQ(d.claim(dark, on(), "stage"), CueOutcome::skipped(""));
-    EXPECT_TRUE(d.isHeld(dark, "stage"));
-    EXPECT_EQ(rig.sys->read(dark), off());
+    EXPECT_EQ(d.claim(darkMode, on(), "stage"), CueOutcome::skipped(""));
+    EXPECT_TRUE(d.isHeld(darkMode, "stage"));
+    EXPECT_EQ(rig.sys->read(darkMode), off());
 }
 
 TEST(Director, ADisplayUndoWaitsForTheDisplayToReturn) {
@@ -253,7 +235,7 @@ TEST(Director, RecoveryFollowsTheStateOfEachEntry) {
         // The write landed: put back.
         {dock, off(), on(), {"stage"}, EntryState::pending, true, t},
         // The write never landed: the Mac stands at before.
-        {dark, off(), on(), {"stage"}, EntryState::pending, true, t},
+        {darkMode, off(), on(), {"stage"}, EntryState::pending, true, t},
         // The user chose something else.
         {alerts, num(0.75), num(0), {"stage"}, EntryState::applied, true, t},
         // An app that is not running any more.

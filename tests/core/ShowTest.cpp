@@ -16,19 +16,12 @@
 namespace scrimlet {
 namespace {
 
-using testing::num;
-using testing::off;
-using testing::on;
-using testing::StageRig;
+using namespace testing;
 using Case = CueOutcome::Case;
 using Change = CaptureWatcher::Change;
 
 const CaptureSource zoom{"us.zoom.xos", "Zoom", CaptureKind::callShare};
 const CaptureSource chrome{"com.google.Chrome", "Chrome", CaptureKind::browserShare};
-const EffectKey alerts{EffectKind::alertVolume};
-const EffectKey dock{EffectKind::dockAutohide};
-const EffectKey darkMode{EffectKind::darkMode};
-const EffectKey display1{EffectKind::displayMode, "1"};
 
 // A show on the rig's director that counts its callbacks.
 struct Stage {
@@ -59,13 +52,6 @@ struct Stage {
         return changes - before;
     }
 };
-
-std::vector<Case> outcomes(const std::vector<CueRecord>& records) {
-    std::vector<Case> out(records.size());
-    std::transform(records.begin(), records.end(), out.begin(),
-                   [](const CueRecord& record) { return record.outcome.kind(); });
-    return out;
-}
 
 std::optional<std::string> labelOf(const std::vector<CueRecord>& records, const EffectKey& key) {
     const auto found = std::find_if(records.begin(), records.end(),

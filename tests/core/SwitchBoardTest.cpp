@@ -11,11 +11,7 @@
 namespace scrimlet {
 namespace {
 
-using testing::num;
-using testing::off;
-using testing::StageRig;
-
-const EffectKey alerts{EffectKind::alertVolume};
+using namespace testing;
 
 // A board on the rig's director that counts its change callbacks.
 struct Board {
@@ -117,7 +113,6 @@ TEST(SwitchBoard, AnAutoOffStrikesAtItsEndAndIsFixedWhenTurnedOn) {
 
 TEST(SwitchBoard, ASwitchWhoseChangeTheUserOverridesTurnsItselfOff) {
     Board b;
-    const EffectKey dock{EffectKind::dockAutohide};
     StageSettings dockOnly;
     dockOnly.plan = StagePlan{false, true, false, false, false, false, false, false, false, {}};
     Show show(b.director, dockOnly, {}, ManualClock::reading(b.rig.clock));

@@ -36,6 +36,22 @@ struct StageRig {
     }
 };
 
+inline const EffectKey dock{EffectKind::dockAutohide};
+inline const EffectKey darkMode{EffectKind::darkMode};
+inline const EffectKey alerts{EffectKind::alertVolume};
+inline const EffectKey dnd{EffectKind::doNotDisturb};
+inline const EffectKey display1{EffectKind::displayMode, "1"};
+inline const EffectKey keepAwake{EffectKind::keepAwake};
+
+/// The outcomes of a run of records, in order.
+inline std::vector<CueOutcome::Case> outcomes(const std::vector<CueRecord>& records) {
+    std::vector<CueOutcome::Case> out;
+    for (const auto& record : records) {
+        out.push_back(record.outcome.kind());
+    }
+    return out;
+}
+
 inline JournalValue on() {
     return JournalValue::boolean(true);
 }
