@@ -3,18 +3,14 @@
 
 #include "StageStore.hpp"
 
+#include "AsciiCase.hpp"
+
 #include <algorithm>
 #include <cctype>
 
 namespace scrimlet {
 
 namespace {
-
-std::string lowercased(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return text;
-}
 
 std::optional<std::string> percentDecoded(std::string_view text) {
     std::string out;

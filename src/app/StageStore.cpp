@@ -1,6 +1,7 @@
 #include "StageStore.hpp"
 
 #include "AppPaths.hpp"
+#include "AsciiCase.hpp"
 #include "CaptureRules.hpp"
 #include "Harness.hpp"
 #include "RunSheetFile.hpp"
@@ -16,12 +17,6 @@ namespace {
 
 // How long a finished show's sheet stays fresh for the dropdown.
 constexpr double justEndedLifetime = 600;
-
-std::string lowercased(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return text;
-}
 
 } // namespace
 

@@ -7,6 +7,7 @@
 #include "TerminationSignals.hpp"
 
 #include <cmath>
+#include <limits>
 #include <map>
 #include <optional>
 #include <set>
@@ -58,6 +59,9 @@ int misuse(std::ostream& err, const std::string& problem) {
     return usageError;
 }
 
+// For a command that counts its operands itself.
+constexpr size_t anyNumber = std::numeric_limits<size_t>::max();
+
 struct Options {
     std::map<std::string, std::string> values;
     std::set<std::string> flags;
@@ -65,11 +69,15 @@ struct Options {
     bool help = false;
 };
 
-// Reads "--name VALUE", "--name=VALUE" and bare flags after the command word; answers
-// nothing, having said why, for anything the command does not take.
+// Reads "--name VALUE", "--name=VALUE", bare flags and up to `maxOperands` operands after
+// the command word. Answers nothing when the command is done already: help was asked for
+// (and given), or an argument is wrong (and said so); `status` is then the exit status.
 std::optional<Options> parse(const std::vector<std::string>& arguments,
                              const std::set<std::string>& valued,
-                             const std::set<std::string>& flags, std::ostream& err) {
+                             const std::set<std::string>& flags, size_t maxOperands,
+                             const Harness::Environment& environment, std::ostream& out,
+                             std::ostream& err, int& status) {
+    status = usageError;
     Options options;
     const std::string& command = arguments.front();
     for (size_t i = 1; i < arguments.size(); ++i) {
@@ -100,6 +108,15 @@ std::optional<Options> parse(const std::vector<std::string>& arguments,
             return std::nullopt;
         }
     }
+    if (options.help) {
+        usage(out, environment);
+        status = 0;
+        return std::nullopt;
+    }
+    if (options.operands.size() > maxOperands) {
+        misuse(err, command + ": unexpected argument '" + options.operands[maxOperands] + "'");
+        return std::nullopt;
+    }
     return options;
 }
 
@@ -115,16 +132,11 @@ int selfTest(const std::string& dir, std::ostream& out, std::ostream& err) {
 
 int demo(const std::vector<std::string>& arguments, const Harness::Environment& environment,
          std::ostream& out, std::ostream& err) {
-    const auto options = parse(arguments, {"--pace", "--dir"}, {}, err);
+    int status = 0;
+    const auto options =
+        parse(arguments, {"--pace", "--dir"}, {}, 0, environment, out, err, status);
     if (!options) {
-        return usageError;
-    }
-    if (options->help) {
-        usage(out, environment);
-        return 0;
-    }
-    if (!options->operands.empty()) {
-        return misuse(err, "demo: unexpected argument '" + options->operands.front() + "'");
+        return status;
     }
     DemoDay::Options day;
     if (const auto pace = options->values.find("--pace"); pace != options->values.end()) {
@@ -161,19 +173,12 @@ int demo(const std::vector<std::string>& arguments, const Harness::Environment& 
 int listing(const std::vector<std::string>& arguments, const Harness::Environment& environment,
             std::ostream& out, std::ostream& err) {
     const bool sheets = arguments.front() == "sheets";
-    const auto options =
-        parse(arguments, {"--file"},
-              sheets ? std::set<std::string>{"--json"} : std::set<std::string>{}, err);
+    int status = 0;
+    const auto options = parse(arguments, {"--file"},
+                               sheets ? std::set<std::string>{"--json"} : std::set<std::string>{},
+                               0, environment, out, err, status);
     if (!options) {
-        return usageError;
-    }
-    if (options->help) {
-        usage(out, environment);
-        return 0;
-    }
-    if (!options->operands.empty()) {
-        return misuse(err, arguments.front() + ": unexpected argument '" +
-                               options->operands.front() + "'");
+        return status;
     }
     fs::path file = AppPaths::support(environment) / (sheets ? "runsheets.json" : "journal.json");
     if (const auto given = options->values.find("--file"); given != options->values.end()) {
@@ -207,13 +212,10 @@ int run(const std::vector<std::string>& arguments, const Harness::Environment& e
         return 0;
     }
     if (command == "selftest") {
-        const auto options = parse(arguments, {}, {}, err);
+        int status = 0;
+        const auto options = parse(arguments, {}, {}, anyNumber, environment, out, err, status);
         if (!options) {
-            return usageError;
-        }
-        if (options->help) {
-            usage(out, environment);
-            return 0;
+            return status;
         }
         if (options->operands.size() != 1) {
             return misuse(err, "selftest needs exactly one folder: scrimlet selftest DIR");
