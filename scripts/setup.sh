@@ -4,12 +4,12 @@
 set -euo pipefail
 
 if [[ "$(uname)" == "Darwin" ]]; then
-    brew install cmake ninja pkg-config nlohmann-json googletest google-benchmark libsodium
+    brew install cmake ninja pkg-config nlohmann-json googletest google-benchmark libsodium icu4c
     exit 0
 fi
 
 packages=(cmake ninja-build g++ pkg-config nlohmann-json3-dev libgtest-dev libgmock-dev
-          libbenchmark-dev libsodium-dev)
+          libbenchmark-dev libsodium-dev libicu-dev libcairo2-dev libpango1.0-dev)
 missing=()
 for package in "${packages[@]}"; do
     dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q "ok installed" || missing+=("$package")

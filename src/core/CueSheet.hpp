@@ -33,19 +33,16 @@ struct Cue {
 /// Equal means "keep the order the system listed them in".
 using NameOrder = std::function<std::weak_ordering(std::string_view, std::string_view)>;
 
-/// A locale-free approximation of the system's localised, case-insensitive comparison:
-/// letters of the Latin script (ASCII, Latin-1 and Latin Extended-A) compare by their base
-/// letter with case and accents ignored, so "alpha" < "Beta" < "gamma" and "Émile" <
-/// "Eve"; when the base letters tie, the unaccented form comes first. Spaces and
-/// punctuation sort before digits, digits before letters, and any other script after
-/// Latin by code point (byte order), with simple case folding of Greek and Cyrillic.
-/// Strings that differ only in case compare equal.
-std::weak_ordering portableNameOrder(std::string_view a, std::string_view b);
+/// The order used until a better one is handed in: ASCII letters compare without case,
+/// everything else by its UTF-8 bytes, so "alpha" < "Beta" < "gamma". Strings that differ
+/// only in ASCII case compare equal.
+std::weak_ordering plainNameOrder(std::string_view a, std::string_view b);
 
-/// The comparison that `hideApps` sorts by. It starts as `portableNameOrder`; the macOS
-/// shell replaces it at launch, before the first show, with the system's
-/// `localizedCaseInsensitiveCompare:` so that the order matches Finder's in every locale.
-/// Set it only from the main thread; an empty function falls back to `portableNameOrder`.
+/// The comparison that `hideApps` sorts by. It starts as `plainNameOrder`; the macOS app
+/// replaces it at launch, before the first show, with the system's
+/// `localizedCaseInsensitiveCompare:` so that the order matches Finder's in every locale,
+/// and the command line with a collator for the user's locale. Set it only from the main
+/// thread; an empty function falls back to `plainNameOrder`.
 extern NameOrder nameOrder;
 
 /// The cues of a plan, in their fixed order: desktop icons, the apps to hide (by name),

@@ -3,6 +3,7 @@
 #include <array>
 #include <compare>
 #include <cstdint>
+#include <cstring>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -18,7 +19,11 @@ struct Uuid {
     static std::optional<Uuid> parse(std::string_view text);
     std::string string() const;
 
-    friend auto operator<=>(const Uuid&, const Uuid&) = default;
+    friend bool operator==(const Uuid&, const Uuid&) = default;
+    // Byte order, spelt out: not every standard library compares arrays with <=>.
+    friend std::strong_ordering operator<=>(const Uuid& a, const Uuid& b) {
+        return std::memcmp(a.bytes.data(), b.bytes.data(), a.bytes.size()) <=> 0;
+    }
 };
 
 } // namespace scrimlet

@@ -96,7 +96,7 @@ TEST(CueSheet, HidesEachProcessByNameAndKeepsEveryProcessOfAKeptApp) {
     EXPECT_EQ(keys(CueSheet::hideApps(mac, {"m.mail", "a.alpha", "b.beta", "c.gamma"})),
               Keys{"appHidden[m.other#5#mail]"});
 
-    // The shell may hand in the system's own order; without one the portable order serves.
+    // The shell may hand in the system's own order; without one the plain order serves.
     const CueSheet::NameOrder saved = CueSheet::nameOrder;
     const std::set<std::string> keep{"m.mail", "m.other", "b.beta"};
     CueSheet::nameOrder = [](std::string_view a, std::string_view b) { return b <=> a; };
@@ -106,20 +106,6 @@ TEST(CueSheet, HidesEachProcessByNameAndKeepsEveryProcessOfAKeptApp) {
     EXPECT_EQ(keys(CueSheet::hideApps(mac, keep)),
               (Keys{"appHidden[a.alpha#1#alpha]", "appHidden[c.gamma#3#gamma]"}));
     CueSheet::nameOrder = saved;
-}
-
-TEST(CueSheet, PortableNameOrderComparesLettersNotCodePoints) {
-    EXPECT_TRUE(CueSheet::portableNameOrder("ŁÓDŹ ÉCLAIR", "łódź éclair") == 0);
-    EXPECT_TRUE(CueSheet::portableNameOrder("ЯРЛЫК", "ярлык") == 0);
-    // Accents yield to the letters after them and only break a tie.
-    for (const std::string pair :
-         {"Émile<Eve", "Zoe<Zoë", "Zoë<Zoey", "Straße<Strasser", "Æther<Affinity", "App Store<App1",
-          "1Password<Affinity", "Ölfarbe<Pages", "Zulu<Þorn", "_tool<app", "Zed<Ярлык",
-          "Mail<Mailbox", "a\xC3<a\xFF"}) {
-        const auto a = pair.substr(0, pair.find('<')), b = pair.substr(pair.find('<') + 1);
-        EXPECT_TRUE(CueSheet::portableNameOrder(a, b) < 0) << pair;
-        EXPECT_TRUE(CueSheet::portableNameOrder(b, a) > 0) << pair;
-    }
 }
 
 } // namespace
