@@ -6,10 +6,14 @@ target_compile_options(scrimlet_warnings INTERFACE
   $<$<BOOL:${SCRIMLET_WERROR}>:-Werror>)
 
 # A library made of every source file in one folder. New files are picked up at
-# the next build (CONFIGURE_DEPENDS), so adding a component never touches CMake.
+# the next build (CONFIGURE_DEPENDS), so adding a component never touches CMake. A folder
+# with no sources yet makes no library.
 function(scrimlet_folder_library name)
   file(GLOB sources CONFIGURE_DEPENDS
     ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp ${CMAKE_CURRENT_SOURCE_DIR}/*.hpp)
+  if(NOT sources)
+    return()
+  endif()
   add_library(${name} STATIC ${sources})
   target_include_directories(${name} PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
   target_link_libraries(${name} PRIVATE scrimlet_warnings)
