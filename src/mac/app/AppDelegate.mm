@@ -8,6 +8,7 @@
 #import "MainMenu.h"
 #import "SelfTest.hpp"
 #import "SharedStore.hpp"
+#import "Theme.hpp"
 
 #import <csignal>
 
@@ -60,7 +61,7 @@ using scrimlet::Lifecycle::LaunchStep;
         return NO;
     }
     case LaunchStep::startKit:
-        scrimlet::mac::Vantrel::start(0x7A1426, 0xF5B451);
+        scrimlet::mac::Vantrel::start(scrimlet::Theme::brandVelvet, scrimlet::Theme::brandLight);
         return YES;
     case LaunchStep::runSnapshots:
         scrimlet::mac::Snapshotter::run(scrimlet::Harness::snapshotDir().value_or(""));

@@ -4,7 +4,7 @@
 
 namespace scrimlet::mac::Vantrel {
 
-void start(BrandColor, BrandColor) {}
+void start(const Color &, const Color &) {}
 
 void checkForUpdates() {}
 

@@ -1,9 +1,11 @@
 #pragma once
 
-// Points, sizes and rectangles of the drawings, in points, with the origin at the top left
-// and y growing downward, as on the screens' global coordinates. Plain values.
+// Points, sizes and rectangles, in points, with the origin at the top left and y growing
+// downward: the screens' global coordinates (origin at the top left of the main display),
+// as window bounds come in, and the drawings' coordinates. Plain values.
 
 #include <algorithm>
+#include <optional>
 
 namespace scrimlet {
 
@@ -51,16 +53,18 @@ struct Rect {
     Rect centered(Size size) const {
         return {midX() - size.width * 0.5, midY() - size.height * 0.5, size.width, size.height};
     }
-    Rect intersection(const Rect& other) const {
+    /// The overlap of two rectangles; nothing when they do not overlap.
+    std::optional<Rect> intersection(const Rect& other) const {
         const double left = std::max(x, other.x);
         const double top = std::max(y, other.y);
         const double right = std::min(maxX(), other.maxX());
         const double bottom = std::min(maxY(), other.maxY());
-        if (right <= left || bottom <= top) {
-            return {};
+        if (!(right > left) || !(bottom > top)) {
+            return std::nullopt;
         }
-        return {left, top, right - left, bottom - top};
+        return Rect{left, top, right - left, bottom - top};
     }
+    bool intersects(const Rect& other) const { return intersection(other).has_value(); }
     bool isEmpty() const { return !(width > 0) || !(height > 0); }
 
     friend bool operator==(const Rect&, const Rect&) = default;
