@@ -1,5 +1,6 @@
 #include "FocusShortcuts.hpp"
 
+#include "AsciiText.hpp"
 #include "AtomicFile.hpp"
 #include "StageSystem.hpp"
 #include "Utf8.hpp"
@@ -13,22 +14,6 @@ namespace scrimlet {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::string_view trimmed(std::string_view text, std::string_view blanks) {
-    const size_t first = text.find_first_not_of(blanks);
-    if (first == std::string_view::npos) {
-        return {};
-    }
-    return text.substr(first, text.find_last_not_of(blanks) - first + 1);
-}
-
-std::string lowercased(std::string_view text) {
-    std::string out(text);
-    std::transform(out.begin(), out.end(), out.begin(), [](char c) {
-        return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    });
-    return out;
-}
 
 // Removes the file when it goes, whatever happened in between.
 class RemovedAtEnd {
@@ -67,7 +52,7 @@ std::set<std::string> FocusShortcuts::installed(bool refresh) {
     std::string_view rest = listing.output;
     while (!rest.empty()) {
         const size_t end = rest.find('\n');
-        const auto name = trimmed(rest.substr(0, end), " \t\r\f\v");
+        const auto name = ascii::trimmed(rest.substr(0, end), " \t\r\f\v");
         if (!name.empty()) {
             names.emplace(name);
         }
@@ -106,12 +91,12 @@ std::optional<JournalValue> FocusShortcuts::run(const std::string& name) {
 }
 
 std::optional<JournalValue> FocusShortcuts::parse(std::string_view text) {
-    const auto word = trimmed(text, " \t\n\r\f\v");
+    const auto word = ascii::trimmed(text, " \t\n\r\f\v");
     if (word.empty()) {
         return std::nullopt;
     }
     static constexpr std::array<std::string_view, 5> offWords = {"none", "off", "no", "false", "0"};
-    const std::string lower = lowercased(word);
+    const std::string lower = ascii::lowercased(word);
     const bool off = std::find(offWords.begin(), offWords.end(), lower) != offWords.end();
     return JournalValue::boolean(!off);
 }

@@ -1,6 +1,8 @@
 #include "RealStageSystem.hpp"
 
 #include "AppleScript.hpp"
+#include "AsciiText.hpp"
+#include "CaptureModel.hpp"
 #include "Displays.hpp"
 #include "Mic.hpp"
 
@@ -14,15 +16,6 @@ namespace scrimlet {
 namespace {
 
 constexpr const char* dockDomain = "com.apple.dock";
-
-std::string lowercased(std::string text) {
-    for (char& c : text) {
-        if (c >= 'A' && c <= 'Z') {
-            c = static_cast<char>(c - 'A' + 'a');
-        }
-    }
-    return text;
-}
 
 // A stored boolean; a number reads as one only when it is exactly 0 or 1.
 std::optional<bool> asBool(const std::optional<PreferenceValue>& value) {
@@ -89,7 +82,7 @@ std::optional<JournalValue> RealStageSystem::read(const EffectKey& key) {
         const auto value =
             facilities_->preference(SystemFacilities::anyApplication, "AppleInterfaceStyle");
         const auto* style = value ? std::get_if<std::string>(&*value) : nullptr;
-        return JournalValue::boolean(style && lowercased(*style) == "dark");
+        return JournalValue::boolean(style && ascii::lowercased(*style) == "dark");
     }
     case EffectKind::alertVolume: {
         const auto volume =

@@ -8,8 +8,8 @@
 // CFPreferences, NSAppleScript, Core Audio, CoreMediaIO, CoreGraphics, IOKit and the
 // workspace. Main thread only.
 
-#include "CaptureModel.hpp"
 #include "Effects.hpp"
+#include "Geometry.hpp"
 
 #include <cstdint>
 #include <functional>
