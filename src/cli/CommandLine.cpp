@@ -5,6 +5,9 @@
 #include "Listings.hpp"
 #include "SelfTest.hpp"
 #include "TerminationSignals.hpp"
+#ifdef SCRIMLET_WITH_ART
+#include "ArtCommand.hpp"
+#endif
 
 #include <cmath>
 #include <limits>
@@ -51,6 +54,12 @@ void usage(std::ostream& out, const Harness::Environment& environment) {
            "        FILE is "
         << (support / "journal.json").string()
         << " by default.\n"
+#ifdef SCRIMLET_WITH_ART
+           "  art DIR\n"
+           "        Draws every picture Scrimlet shows (menu bar glyphs, the curtain, each\n"
+           "        backdrop, the spotlight, the countdown, the keyboard lock, the desktop\n"
+           "        cover) in the light and the dark appearance, as PNG files in DIR.\n"
+#endif
            "  help   This text. --version prints the version.\n";
 }
 
@@ -228,6 +237,19 @@ int run(const std::vector<std::string>& arguments, const Harness::Environment& e
     if (command == "sheets" || command == "journal") {
         return listing(arguments, environment, out, err);
     }
+#ifdef SCRIMLET_WITH_ART
+    if (command == "art") {
+        int status = 0;
+        const auto options = parse(arguments, {}, {}, anyNumber, environment, out, err, status);
+        if (!options) {
+            return status;
+        }
+        if (options->operands.size() != 1 || options->operands.front().empty()) {
+            return misuse(err, "art needs exactly one folder: scrimlet art DIR");
+        }
+        return ArtCommand::run(options->operands.front(), out, err);
+    }
+#endif
     return misuse(err, "unknown command '" + command + "'");
 }
 
