@@ -1,6 +1,7 @@
 #include "SceneCards.hpp"
 
 #include <algorithm>
+#include <array>
 
 namespace scrimlet {
 
@@ -43,28 +44,59 @@ Animation CountdownCard::valueAnimation(bool reduceMotion) {
     return Motion::forView(Animation::spring(0.5, 0.85, 0), reduceMotion);
 }
 
-Drawing CountdownCard::drawing() const {
+Point CountdownCard::panelOrigin(const Rect& mainScreen) {
+    return {mainScreen.midX() - size.width * 0.5, mainScreen.midY() - size.height * 0.5};
+}
+
+namespace {
+
+// The three lines of the card, stacked and centred: "STANDBY", the number, "Scrimlet".
+std::array<Rect, 3> countdownLines() {
+    const Rect card = Rect::of(CountdownCard::size).centered(CountdownCard::card);
+    const std::array<double, 3> heights = {CountdownCard::standbyFont.lineHeight(),
+                                           CountdownCard::numberFont.lineHeight(),
+                                           Theme::Typo::small.lineHeight()};
+    const double total = heights[0] + heights[1] + heights[2] + 2 * CountdownCard::spacing;
+    double y = card.midY() - total * 0.5;
+    std::array<Rect, 3> lines;
+    for (size_t i = 0; i < lines.size(); ++i) {
+        lines[i] = {card.x, y, card.width, heights[i]};
+        y += heights[i] + CountdownCard::spacing;
+    }
+    return lines;
+}
+
+} // namespace
+
+Rect CountdownCard::numberFrame() {
+    return countdownLines()[1];
+}
+
+Drawing CountdownCard::background() const {
     Canvas canvas(size);
     const Rect panel = canvas.bounds().centered(card);
-    const Path shape = Path::roundedRect(panel, cornerRadius);
-    canvas.fill(shape, Theme::stageBlack.opacity(0.92));
+    canvas.fill(Path::roundedRect(panel, cornerRadius), Theme::stageBlack.opacity(0.92));
     canvas.stroke(Path::roundedRect(panel.insetBy(0.5, 0.5), cornerRadius - 0.5),
                   Theme::lightFill.opacity(0.35), 1);
+    const auto lines = countdownLines();
+    canvas.text("STANDBY", standbyFont, Theme::lightGlow.opacity(0.8), lines[0]);
+    canvas.text("Scrimlet", Theme::Typo::small, Color::white(0.45), lines[2]);
+    return canvas.finish();
+}
 
-    const Font& small = Theme::Typo::small;
-    const double total =
-        standbyFont.lineHeight() + numberFont.lineHeight() + small.lineHeight() + 2 * spacing;
-    double y = panel.midY() - total * 0.5;
-    const auto line = [&](const Font& font) {
-        const Rect frame{panel.x, y, panel.width, font.lineHeight()};
-        y += font.lineHeight() + spacing;
-        return frame;
-    };
-    canvas.text("STANDBY", standbyFont, Theme::lightGlow.opacity(0.8), line(standbyFont));
+Drawing CountdownCard::number() const {
+    const Rect frame = numberFrame();
+    Canvas canvas(frame.size());
     canvas.beginGroup(1, Shadow{Theme::lightFill.opacity(0.8), 24, {0, 0}});
-    canvas.text(std::to_string(value), numberFont, Theme::lightGlow, line(numberFont));
+    canvas.text(std::to_string(value), numberFont, Theme::lightGlow, canvas.bounds());
     canvas.endGroup();
-    canvas.text("Scrimlet", small, Color::white(0.45), line(small));
+    return canvas.finish();
+}
+
+Drawing CountdownCard::drawing() const {
+    Canvas canvas(size);
+    canvas.draw(background(), {0, 0});
+    canvas.draw(number(), numberFrame().origin());
     return canvas.finish();
 }
 

@@ -30,6 +30,16 @@ struct CountdownCard {
     static std::string accessibilityLabel(long long value);
     /// A change of the number springs, or fades when motion is reduced.
     static Animation valueAnimation(bool reduceMotion);
+    /// Where the panel goes: centred on the main screen's frame.
+    static Point panelOrigin(const Rect& mainScreen);
+    /// Where the number stands in the panel.
+    static Rect numberFrame();
+
+    /// The card without its number, which changes apart from it.
+    Drawing background() const;
+    /// The number alone, in a drawing the size of `numberFrame`, glowing.
+    Drawing number() const;
+    /// The whole card.
     Drawing drawing() const;
 };
 

@@ -29,4 +29,12 @@ Drawing SpotlightView::drawing(Size bounds) const {
     return canvas.finish();
 }
 
+bool PointerWatch::moved(Point now) {
+    if (now == last_) {
+        return false;
+    }
+    last_ = now;
+    return true;
+}
+
 } // namespace scrimlet

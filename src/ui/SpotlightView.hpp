@@ -26,4 +26,20 @@ struct SpotlightView {
     Drawing drawing(Size bounds) const;
 };
 
+/// The spotlight's tick: the views are drawn anew only when the pointer has moved, so that
+/// a resting pointer costs no drawing.
+class PointerWatch {
+public:
+    /// Where nothing has been seen yet.
+    static constexpr Point atRest{-1, -1};
+
+    /// Whether `now` differs from the last position seen, in either coordinate; remembers it.
+    bool moved(Point now);
+    void reset() { last_ = atRest; }
+    Point last() const { return last_; }
+
+private:
+    Point last_ = atRest;
+};
+
 } // namespace scrimlet

@@ -328,17 +328,26 @@ TEST(Scenery, CountdownAndLockCards) {
 
     const Drawing count = CountdownCard{2}.drawing();
     EXPECT_EQ(count.size, (Size{300, 300}));
-    const auto texts = count.all<TextOp>();
+    auto texts = count.all<TextOp>();
     ASSERT_EQ(texts.size(), 3u);
+    std::sort(texts.begin(), texts.end(),
+              [](const TextOp& a, const TextOp& b) { return a.frame.y < b.frame.y; });
     EXPECT_EQ(texts[0].text, "STANDBY");
     EXPECT_EQ(texts[1].text, "2");
     EXPECT_EQ(texts[1].font.size, 120);
     EXPECT_TRUE(texts[1].font.monospacedDigits);
+    EXPECT_EQ(texts[1].frame, CountdownCard::numberFrame());
     EXPECT_EQ(texts[2].text, "Scrimlet");
     // The stack is centred in the card, the number casting its glow.
     EXPECT_NEAR(texts[0].frame.minY() - 30, 270 - texts[2].frame.maxY(), 1e-9);
     EXPECT_EQ(count.all<BeginGroupOp>()[0].shadow->radius, 24);
     EXPECT_EQ(count.all<FillOp>()[0].path, Path::roundedRect({30, 30, 240, 240}, 28));
+    // The number changes apart from the card: the background has no number in it.
+    EXPECT_EQ(CountdownCard{2}.background().all<TextOp>().size(), 2u);
+    EXPECT_EQ(CountdownCard{2}.number().size, CountdownCard::numberFrame().size());
+    // The panel stands centred on the main screen, wherever that screen is.
+    EXPECT_EQ(CountdownCard::panelOrigin({0, 0, 1440, 900}), (Point{570, 300}));
+    EXPECT_EQ(CountdownCard::panelOrigin({-1920, 200, 1920, 1080}), (Point{-1110, 590}));
 
     // Other screens: only the darkness. The main screen: the card, centred, with its button.
     const Size screen{1440, 900};
