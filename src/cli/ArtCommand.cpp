@@ -13,7 +13,6 @@
 // the file readable by tools that check the portable sources against Apple's headers.
 #include "../render/Renderer.hpp"
 
-#include <array>
 #include <functional>
 
 namespace scrimlet::ArtCommand {
@@ -109,12 +108,16 @@ Drawing standbyStage() {
 
 std::vector<Piece> pieces(const std::optional<ImageRef>& desktop) {
     std::vector<Piece> list;
-    for (const auto& [name, live, standby] :
-         std::array<std::tuple<const char*, bool, bool>, 3>{{{"glyph-dark", false, false},
-                                                             {"glyph-standby", false, true},
-                                                             {"glyph-live", true, false}}}) {
-        list.push_back({name, 8, [live = live, standby = standby](Appearance a) {
-                            return glyphOnBar(live, standby, a);
+    struct Glyph {
+        const char* name;
+        bool live;
+        bool standby;
+    };
+    for (const Glyph glyph :
+         {Glyph{"glyph-dark", false, false}, Glyph{"glyph-standby", false, true},
+          Glyph{"glyph-live", true, false}}) {
+        list.push_back({glyph.name, 8, [glyph](Appearance a) {
+                            return glyphOnBar(glyph.live, glyph.standby, a);
                         }});
     }
     const auto curtain = [](double open, std::optional<Drawing> stage,

@@ -8,8 +8,10 @@
 #include "Settings.hpp"
 #include "StageSystem.hpp"
 
+#include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 
 namespace scrimlet::mac {
 
@@ -22,6 +24,10 @@ CaptureSnapshot windowSnapshot(const DetectionOptions& options);
 
 /// Starts following which app is in front; `onChange` runs after every activation.
 void startFrontTracker(std::function<void()> onChange);
+
+/// The number of the front window of the last app in front that is not Scrimlet, from the
+/// tracker and the window list; none when no such app or window is known.
+std::optional<std::int64_t> frontWindowOfLastOtherApp();
 
 /// Lists the user's Shortcuts again, past the listing's cache.
 void refreshShortcuts();

@@ -11,6 +11,8 @@ CaptureSnapshot windowSnapshot(const DetectionOptions &) { return {}; }
 
 void startFrontTracker(std::function<void()>) {}
 
+std::optional<std::int64_t> frontWindowOfLastOtherApp() { return std::nullopt; }
+
 void refreshShortcuts() {}
 
 } // namespace scrimlet::mac
