@@ -42,7 +42,10 @@ class MacSceneryPanels final : public SceneryPanels {
     DesktopCover cover;
     // Shared, so that their timers can hold them weakly.
     std::shared_ptr<BackdropController> backdrop =
-        std::make_shared<BackdropController>([] { return frontWindowOfLastOtherApp(); });
+        std::make_shared<BackdropController>([]() -> std::optional<std::int64_t> {
+            const auto pid = frontAppPID();
+            return pid ? frontWindowNumber(*pid) : std::nullopt;
+        });
     std::shared_ptr<SpotlightController> spot = std::make_shared<SpotlightController>();
     KeyboardLock lock;
     CountdownOverlay countdown;
