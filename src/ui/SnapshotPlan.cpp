@@ -1,10 +1,14 @@
 #include "SnapshotPlan.hpp"
 
+#include "BackdropView.hpp"
 #include "DemoCapture.hpp"
 #include "FakeStageSystem.hpp"
 #include "Harness.hpp"
 #include "JournalStore.hpp"
 #include "ManualClock.hpp"
+#include "MenuGlyph.hpp"
+#include "SceneCards.hpp"
+#include "SpotlightView.hpp"
 
 namespace scrimlet::SnapshotPlan {
 
@@ -96,6 +100,60 @@ std::string fileName(const SnapshotShot& shot, const SnapshotLook& look) {
 
 bool staysAfterShots(const Harness::Environment& environment) {
     return environment.contains("SCRIMLET_SNAPSHOT_STAY");
+}
+
+Size screenSize() {
+    return DemoCapture::display().frame.size();
+}
+
+std::vector<Picture> pictures(const TextMeasurer& measure) {
+    std::vector<Picture> all;
+
+    // Dark, standby and live, as a light menu bar shows them, a glyph's width apart.
+    constexpr double gap = 12;
+    const std::array<std::pair<bool, bool>, 3> states = {
+        {{false, false}, {false, true}, {true, false}}};
+    double width = gap;
+    double height = 0;
+    for (const auto& [live, standby] : states) {
+        width += MenuGlyph::size(live).width + gap;
+        height = std::max(height, MenuGlyph::size(live).height);
+    }
+    Canvas glyphs({width, height + gap * 2});
+    double x = gap;
+    for (const auto& [live, standby] : states) {
+        glyphs.draw(MenuGlyph::asShown(live, standby, Appearance::light), {x, gap});
+        x += MenuGlyph::size(live).width + gap;
+    }
+    all.push_back({std::string(menuBarGlyphs), glyphs.finish()});
+
+    const Size screen = screenSize();
+    all.push_back({std::string(countdownOverlay), CountdownCard{3}.drawing()});
+    all.push_back(
+        {std::string(keyboardLockOverlay), LockCard{true}.layout(screen, measure).drawing});
+    // The pointer in the middle of the screen, with the spotlight as the demo sets it; the
+    // pointer's place is read y upward, as the system gives it.
+    const StageSettings settings = StageStore::demoSettings();
+    SpotlightView spotlight;
+    spotlight.radius = settings.spotlightRadius;
+    spotlight.dim = settings.spotlightDim;
+    spotlight.pointer = {screen.width * 0.5, screen.height * 0.5};
+    all.push_back({std::string(spotlightOverlay), spotlight.drawing(screen)});
+
+    for (const BackdropStyle::Kind kind : backdrop_kind::allCases) {
+        BackdropView view;
+        view.style.kind = kind;
+        if (kind == BackdropStyle::Kind::picture) {
+            view.style.picturePath = std::string(paintedWallpaper);
+            view.picture = ImageRef{std::string(paintedWallpaper), screen};
+        }
+        if (kind == BackdropStyle::Kind::wallpaper) {
+            view.wallpaper = ImageRef{std::string(blurredWallpaper), screen};
+        }
+        all.push_back(
+            {std::string(backdropsFolder) + "/" + backdropFileName(kind), view.drawing(screen)});
+    }
+    return all;
 }
 
 std::string backdropFileName(BackdropStyle::Kind kind) {

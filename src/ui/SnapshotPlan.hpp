@@ -6,6 +6,8 @@
 
 #include "BackdropStyle.hpp"
 #include "Color.hpp"
+#include "Drawing.hpp"
+#include "Font.hpp"
 #include "Harness.hpp"
 #include "StageStore.hpp"
 
@@ -76,6 +78,23 @@ inline constexpr std::string_view spotlightOverlay = "overlay-spotlight.png";
 inline constexpr std::string_view backdropsFolder = "backdrops";
 /// The picture of one kind of backdrop in that folder: its raw name and ".png".
 std::string backdropFileName(BackdropStyle::Kind kind);
+
+/// The images the pictures name, which the platform supplies: the painted desktop picture,
+/// standing for the user's own picture, and its blurred copy, standing for the wallpaper.
+inline constexpr std::string_view paintedWallpaper = "demo-wallpaper";
+inline constexpr std::string_view blurredWallpaper = "wallpaper";
+/// The screen the scene windows and backdrops are shown for: the demo's one display.
+Size screenSize();
+
+/// A picture taken once: its file, under the run's folder, and what it shows.
+struct Picture {
+    std::string file;
+    Drawing drawing;
+};
+
+/// The menu-bar glyphs, the three scene windows and the five backdrops, in that order. Text
+/// is fitted by `measure`.
+std::vector<Picture> pictures(const TextMeasurer& measure);
 
 } // namespace SnapshotPlan
 

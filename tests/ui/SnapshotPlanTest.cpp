@@ -1,5 +1,8 @@
 #include "SnapshotPlan.hpp"
 
+#include "MenuGlyph.hpp"
+#include "SceneCards.hpp"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -124,6 +127,50 @@ TEST(SnapshotPlan, PagesAreShotWithTheirDataAndWithout) {
             EXPECT_TRUE(shot.name.find(rawValue(*shot.backdrop)) != std::string::npos);
         }
     }
+}
+
+TEST(SnapshotPlan, TheOnceOnlyPicturesShowTheSceneryOnTheDemoScreen) {
+    const auto all = SnapshotPlan::pictures(estimateTextSize);
+    std::vector<std::string> files;
+    for (const auto& picture : all) {
+        files.push_back(picture.file);
+    }
+    EXPECT_EQ(files, (std::vector<std::string>{"menubar-glyphs.png", "overlay-countdown.png",
+                                               "overlay-keyboard-lock.png", "overlay-spotlight.png",
+                                               "backdrops/color.png", "backdrops/gradient.png",
+                                               "backdrops/mesh.png", "backdrops/picture.png",
+                                               "backdrops/wallpaper.png"}));
+
+    // Three glyphs side by side: dark, standby, live, the last the widest, with its lamp.
+    const Drawing& glyphs = all[0].drawing;
+    EXPECT_EQ(glyphs.size.width, 12 * 4 + 18 + 18 + 22);
+    std::size_t ops = 0;
+    for (const auto& [live, standby] : {std::pair{false, false}, {false, true}, {true, false}}) {
+        ops += MenuGlyph::asShown(live, standby, Appearance::light).ops.size();
+    }
+    EXPECT_EQ(glyphs.ops.size(), ops);
+
+    EXPECT_EQ(all[1].drawing, CountdownCard{3}.drawing());
+    const Size screen = SnapshotPlan::screenSize();
+    EXPECT_EQ(screen, (Size{1512, 982}));
+    const auto lockTexts = all[2].drawing.all<TextOp>();
+    EXPECT_TRUE(std::any_of(lockTexts.begin(), lockTexts.end(),
+                            [](const TextOp& text) { return text.text == LockCard::title; }));
+    EXPECT_EQ(all[3].drawing.size, screen);
+
+    // Only the picture and the wallpaper backdrops name an image, each its own.
+    const auto images = [&](std::size_t i) {
+        std::vector<std::string> names;
+        for (const ImageOp& image : all[i].drawing.all<ImageOp>()) {
+            names.push_back(image.image);
+        }
+        return names;
+    };
+    for (const std::size_t plain : {4u, 5u, 6u}) {
+        EXPECT_TRUE(images(plain).empty()) << files[plain];
+    }
+    EXPECT_EQ(images(7), std::vector<std::string>{"demo-wallpaper"});
+    EXPECT_EQ(images(8), std::vector<std::string>{"wallpaper"});
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #import "DemoFilm.hpp"
 
+#import "../views/DrawingView.h"
 #import "DemoArt.hpp"
 #import "FilmWriter.hpp"
 #import "WindowCapture.hpp"
@@ -13,116 +14,6 @@ namespace scrimlet::mac::DemoFilm {
 namespace {
 
 CGRect cgRect(const Rect &rect) { return CGRectMake(rect.x, rect.y, rect.width, rect.height); }
-
-CGColorRef copyColor(const Color &color) {
-    return CGColorCreateSRGB(color.red, color.green, color.blue, color.alpha);
-}
-
-#pragma mark - The film's own pictures
-
-/// Adds a drawing's outline to a CoreGraphics path, in the same coordinates.
-void addPath(CGMutablePathRef target, const Path &path) {
-    for (const PathElement &element : path.elements()) {
-        if (const auto *move = std::get_if<MoveTo>(&element)) {
-            CGPathMoveToPoint(target, nullptr, move->to.x, move->to.y);
-        } else if (const auto *line = std::get_if<LineTo>(&element)) {
-            CGPathAddLineToPoint(target, nullptr, line->to.x, line->to.y);
-        } else if (const auto *quad = std::get_if<QuadTo>(&element)) {
-            CGPathAddQuadCurveToPoint(target, nullptr, quad->control.x, quad->control.y, quad->to.x,
-                                      quad->to.y);
-        } else if (const auto *cubic = std::get_if<CubicTo>(&element)) {
-            CGPathAddCurveToPoint(target, nullptr, cubic->control1.x, cubic->control1.y,
-                                  cubic->control2.x, cubic->control2.y, cubic->to.x, cubic->to.y);
-        } else if (std::holds_alternative<ClosePath>(element)) {
-            CGPathCloseSubpath(target);
-        } else if (const auto *oval = std::get_if<Oval>(&element)) {
-            CGPathAddEllipseInRect(target, nullptr, cgRect(oval->rect));
-        } else if (const auto *rounded = std::get_if<RoundedRect>(&element)) {
-            const double radius = std::min(
-                rounded->radius, std::min(rounded->rect.width, rounded->rect.height) * 0.5);
-            CGPathAddRoundedRect(target, nullptr, cgRect(rounded->rect), radius, radius);
-        }
-    }
-}
-
-/// Fills the current path with a paint; the path is used up.
-void paintPath(CGContextRef context, const Paint &paint, bool evenOdd) {
-    if (const auto *color = std::get_if<Color>(&paint)) {
-        CGContextSetRGBFillColor(context, color->red, color->green, color->blue, color->alpha);
-        evenOdd ? CGContextEOFillPath(context) : CGContextFillPath(context);
-        return;
-    }
-    const auto *linear = std::get_if<LinearGradient>(&paint);
-    if (!linear || linear->stops.empty()) {
-        CGContextBeginPath(context);
-        return;
-    }
-    std::vector<CGFloat> components;
-    std::vector<CGFloat> locations;
-    for (const GradientStop &stop : linear->stops) {
-        components.insert(components.end(),
-                          {stop.color.red, stop.color.green, stop.color.blue, stop.color.alpha});
-        locations.push_back(stop.location);
-    }
-    CGColorSpaceRef sRGB = CGColorSpaceCreateWithName(kCGColorSpaceSRGB);
-    CGGradientRef gradient = CGGradientCreateWithColorComponents(
-        sRGB, components.data(), locations.data(), locations.size());
-    CGColorSpaceRelease(sRGB);
-    CGContextSaveGState(context);
-    evenOdd ? CGContextEOClip(context) : CGContextClip(context);
-    const CGGradientDrawingOptions pad =
-        linear->extend == GradientExtend::pad
-            ? kCGGradientDrawsBeforeStartLocation | kCGGradientDrawsAfterEndLocation
-            : 0;
-    CGContextDrawLinearGradient(context, gradient, CGPointMake(linear->start.x, linear->start.y),
-                                CGPointMake(linear->end.x, linear->end.y), pad);
-    CGContextRestoreGState(context);
-    CGGradientRelease(gradient);
-}
-
-/// Paints the film's backdrop and cursor: fills, strokes in plain colours, and groups with a
-/// shadow, in a context whose y grows downward.
-void paint(CGContextRef context, const Drawing &drawing) {
-    for (const DrawOp &op : drawing.ops) {
-        CGMutablePathRef path = CGPathCreateMutable();
-        if (const auto *fill = std::get_if<FillOp>(&op)) {
-            addPath(path, fill->path);
-            CGContextAddPath(context, path);
-            paintPath(context, fill->paint, fill->rule == FillRule::evenOdd);
-        } else if (const auto *stroke = std::get_if<StrokeOp>(&op)) {
-            if (const auto *color = std::get_if<Color>(&stroke->paint)) {
-                addPath(path, stroke->path);
-                CGContextAddPath(context, path);
-                CGContextSetRGBStrokeColor(context, color->red, color->green, color->blue,
-                                           color->alpha);
-                CGContextSetLineWidth(context, stroke->width);
-                CGContextSetLineCap(context, stroke->cap == LineCap::round    ? kCGLineCapRound
-                                             : stroke->cap == LineCap::square ? kCGLineCapSquare
-                                                                              : kCGLineCapButt);
-                CGContextSetLineJoin(context, stroke->join == LineJoin::round   ? kCGLineJoinRound
-                                              : stroke->join == LineJoin::bevel ? kCGLineJoinBevel
-                                                                                : kCGLineJoinMiter);
-                CGContextStrokePath(context);
-            }
-        } else if (const auto *group = std::get_if<BeginGroupOp>(&op)) {
-            CGContextSaveGState(context);
-            CGContextSetAlpha(context, group->opacity);
-            if (group->shadow) {
-                CGColorRef shadow = copyColor(group->shadow->color);
-                // Shadow offsets are not flipped with the drawing: y grows upward there.
-                CGContextSetShadowWithColor(
-                    context, CGSizeMake(group->shadow->offset.x, -group->shadow->offset.y),
-                    group->shadow->radius, shadow);
-                CGColorRelease(shadow);
-            }
-            CGContextBeginTransparencyLayer(context, nullptr);
-        } else if (std::holds_alternative<EndGroupOp>(op)) {
-            CGContextEndTransparencyLayer(context);
-            CGContextRestoreGState(context);
-        }
-        CGPathRelease(path);
-    }
-}
 
 /// Draws a picture upright into a rectangle of a context whose y grows downward.
 void drawImage(CGContextRef context, CGImageRef image, const Rect &rect) {
@@ -163,7 +54,7 @@ class Camera final : public vantrel::DemoCamera {
         const bool appended = writer_->append(frame.time, [&](CGContextRef context) {
             CGContextTranslateCTM(context, 0, size_.height);
             CGContextScaleCTM(context, 1, -1);
-            paint(context, ground);
+            drawDrawing(ground, context, nil);
             CGContextSaveGState(context);
             CGContextClipToRect(context, cgRect(frame.imageRect));
             CGContextSetInterpolationQuality(context, kCGInterpolationHigh);
@@ -171,7 +62,7 @@ class Camera final : public vantrel::DemoCamera {
                 drawImage(context, layer.image.get(), frame.toFilm(layer.frame));
             }
             CGContextRestoreGState(context);
-            paint(context, pointer);
+            drawDrawing(pointer, context, nil);
         });
         return appended ? Shot::written : Shot::captureFailed;
     }
