@@ -1,5 +1,7 @@
 #include "StatusItemPresence.hpp"
 
+#include "StageStore.hpp"
+
 namespace scrimlet::StatusItemPresence {
 
 Placement judge(bool visible, std::optional<Rect> itemWindow, const std::vector<Rect>& displays) {
@@ -21,7 +23,7 @@ Placement judge(bool visible, std::optional<Rect> itemWindow, const std::vector<
     return Placement::notPlaced;
 }
 
-Decision decide(int systemMajor, Placement placement, bool noticedBefore) {
+Decision decide(int systemMajor, Placement placement, bool noticedBefore, bool busy) {
     if (systemMajor < firstSystemWithSwitch) {
         return {false, noticedBefore};
     }
@@ -29,11 +31,18 @@ Decision decide(int systemMajor, Placement placement, bool noticedBefore) {
     case Placement::placed:
         return {false, false};
     case Placement::notPlaced:
+        if (busy) {
+            break;
+        }
         return {!noticedBefore, true};
     case Placement::unknown:
         break;
     }
     return {false, noticedBefore};
+}
+
+bool isBusy(const StageStore& store) {
+    return !store.show().isDark() || store.detecting().has_value();
 }
 
 Notice notice(const std::optional<Hotkey>& stageHotkey) {

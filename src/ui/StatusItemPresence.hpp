@@ -17,6 +17,10 @@
 #include <string_view>
 #include <vector>
 
+namespace scrimlet {
+class StageStore;
+}
+
 namespace scrimlet::StatusItemPresence {
 
 enum class Placement {
@@ -53,8 +57,12 @@ struct Decision {
 };
 /// Before macOS 26 there is no such switch and nothing is shown. An item in place forgets
 /// an earlier notice, so that hiding it again is told again; an item out of place is told
-/// once.
-Decision decide(int systemMajor, Placement placement, bool noticedBefore);
+/// once, but never while `busy`: the notice waits until nothing is being shown.
+Decision decide(int systemMajor, Placement placement, bool noticedBefore, bool busy);
+
+/// Whether a window popping up now would land in front of an audience: a show counts down
+/// or runs, or a share or recording is being recognised.
+bool isBusy(const StageStore& store);
 
 /// The notice's words, with the stage hotkey when there is one.
 struct Notice {

@@ -1,5 +1,7 @@
 #include "StatusItemPresence.hpp"
 
+#include "LiveStoreRig.hpp"
+
 #include <gtest/gtest.h>
 
 namespace scrimlet {
@@ -42,21 +44,39 @@ TEST(StatusItemPresence, AnItemCountsAsPlacedOnlyInADisplaysMenuBarBand) {
 
 TEST(StatusItemPresence, TheNoticeComesOncePerAbsenceFromMacOS26On) {
     // Before 26 there is no switch to blame, and nothing is remembered or forgotten.
-    EXPECT_EQ(decide(15, Placement::notPlaced, false), (Decision{false, false}));
-    EXPECT_EQ(decide(15, Placement::placed, true), (Decision{false, true}));
+    EXPECT_EQ(decide(15, Placement::notPlaced, false, false), (Decision{false, false}));
+    EXPECT_EQ(decide(15, Placement::placed, true, false), (Decision{false, true}));
     // Kept out: told once.
-    Decision now = decide(26, Placement::notPlaced, false);
+    Decision now = decide(26, Placement::notPlaced, false, false);
     EXPECT_EQ(now, (Decision{true, true}));
-    now = decide(26, Placement::notPlaced, now.noticed);
+    now = decide(26, Placement::notPlaced, now.noticed, false);
     EXPECT_EQ(now, (Decision{false, true})) << "a relaunch doesn't tell again";
-    now = decide(27, Placement::unknown, now.noticed);
+    now = decide(27, Placement::unknown, now.noticed, false);
     EXPECT_EQ(now, (Decision{false, true}));
     // Back in place: forgotten, so that hiding it again is told again.
-    now = decide(26, Placement::placed, now.noticed);
+    now = decide(26, Placement::placed, now.noticed, false);
     EXPECT_EQ(now, (Decision{false, false}));
-    EXPECT_EQ(decide(26, Placement::notPlaced, now.noticed), (Decision{true, true}));
-    EXPECT_EQ(decide(0, Placement::notPlaced, false), (Decision{false, false}))
+    EXPECT_EQ(decide(26, Placement::notPlaced, now.noticed, false), (Decision{true, true}));
+    EXPECT_EQ(decide(0, Placement::notPlaced, false, false), (Decision{false, false}))
         << "an unknown system is treated as an old one";
+
+    // In front of an audience the notice waits, and nothing is remembered as told; an item
+    // seen back in place is still forgotten.
+    EXPECT_EQ(decide(26, Placement::notPlaced, false, true), (Decision{false, false}));
+    EXPECT_EQ(decide(26, Placement::notPlaced, true, true), (Decision{false, true}));
+    EXPECT_EQ(decide(26, Placement::placed, true, true), (Decision{false, false}));
+}
+
+TEST(StatusItemPresence, AShowInProgressKeepsTheNoticeBack) {
+    testing::LiveStoreRig<> rig;
+    EXPECT_FALSE(isBusy(*rig.store));
+    rig.store->startShow("Started from the menu");
+    EXPECT_TRUE(isBusy(*rig.store)) << "counting down";
+    rig.seconds(3);
+    ASSERT_TRUE(rig.store->show().isLive());
+    EXPECT_TRUE(isBusy(*rig.store));
+    rig.store->stopShow();
+    EXPECT_FALSE(isBusy(*rig.store));
 }
 
 TEST(StatusItemPresence, TheNoticeNamesTheWaysStillOpen) {
