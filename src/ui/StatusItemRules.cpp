@@ -1,6 +1,7 @@
 #include "StatusItemRules.hpp"
 
 #include "Fmt.hpp"
+#include "MenuGlyph.hpp"
 #include "StageStore.hpp"
 
 namespace scrimlet::StatusItemRules {
@@ -9,8 +10,8 @@ StatusItemLook look(const StageStore& store) {
     StatusItemLook out;
     out.live = store.phase().kind() == ShowPhase::Case::live;
     out.standby = store.countdown().has_value();
-    out.templateImage = !out.live;
-    out.glyphDescription = out.live ? "Scrimlet: on stage" : "Scrimlet";
+    out.templateImage = MenuGlyph::isTemplate(out.live);
+    out.glyphDescription = std::string(MenuGlyph::accessibilityDescription(out.live));
     const auto elapsed = store.show().elapsed();
     if (out.live && store.settings().showTimerInMenuBar && elapsed) {
         // A show with a time limit counts down; one without counts up.
