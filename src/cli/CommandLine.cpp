@@ -51,6 +51,9 @@ void usage(std::ostream& out, const Harness::Environment& environment) {
            "        FILE is "
         << (support / "journal.json").string()
         << " by default.\n"
+           "        Both listings read FILE as Scrimlet does: a missing or damaged file counts\n"
+           "        as empty, and they say so. Exit status 1 when FILE cannot be read at all:\n"
+           "        a folder, a pipe or a device, larger than 10 MB, or refused by the system.\n"
            "  help   This text. --version prints the version.\n";
 }
 
@@ -188,7 +191,7 @@ int listing(const std::vector<std::string>& arguments, const Harness::Environmen
         file = given->second;
     }
     return sheets ? Listings::sheets(file, options->flags.count("--json") > 0, out, err)
-                  : Listings::journal(file, out);
+                  : Listings::journal(file, out, err);
 }
 
 } // namespace
