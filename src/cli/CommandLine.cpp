@@ -3,6 +3,7 @@
 #include "AppPaths.hpp"
 #include "DemoDay.hpp"
 #include "Listings.hpp"
+#include "Rehearsal.hpp"
 #include "SelfTest.hpp"
 #include "TerminationSignals.hpp"
 
@@ -54,6 +55,17 @@ void usage(std::ostream& out, const Harness::Environment& environment) {
            "        Both listings read FILE as Scrimlet does: a missing or damaged file counts\n"
            "        as empty, and they say so. Exit status 1 when FILE cannot be read at all:\n"
            "        a folder, a pipe or a device, larger than 10 MB, or refused by the system.\n"
+           "  rehearse --dir DIR [--hold SECONDS] [--step SECONDS] [--launch-only]\n"
+           "        Proves that a kill in mid-show is healed at the next launch. Each run is one\n"
+           "        launch of Scrimlet on a simulated Mac whose lasting state is DIR/mac.json,\n"
+           "        with the real journal and run sheets in DIR: it puts back what a killed\n"
+           "        run left, then raises the curtain with the full plan, holds it and drops\n"
+           "        it. Kill it with SIGKILL at any moment, run it again, and DIR shows the\n"
+           "        Mac as it was before the show, no journal, and a run sheet that says so.\n"
+           "        --hold SECONDS  how long the curtain stays up (1 by default).\n"
+           "        --step SECONDS  a pause before and after each change to the Mac, so that\n"
+           "                        a kill can land between any two steps (0 by default).\n"
+           "        --launch-only   launch, heal and quit, without a show.\n"
            "  help   This text. --version prints the version.\n";
 }
 
@@ -230,6 +242,12 @@ int run(const std::vector<std::string>& arguments, const Harness::Environment& e
     }
     if (command == "sheets" || command == "journal") {
         return listing(arguments, environment, out, err);
+    }
+    if (command == "rehearse") {
+        int status = 0;
+        const auto options = parse(arguments, {"--dir", "--hold", "--step"}, {"--launch-only"}, 0,
+                                   environment, out, err, status);
+        return options ? Rehearsal::command(options->values, options->flags, out, err) : status;
     }
     return misuse(err, "unknown command '" + command + "'");
 }

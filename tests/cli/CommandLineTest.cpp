@@ -56,6 +56,9 @@ TEST(CommandLine, BadArgumentsSayWhatIsWrongAndFail) {
         {{"sheets", "--json=yes"}, "unknown option '--json=yes'"},
         {{"journal", "--json"}, "unknown option '--json'"},
         {{"journal", "old.json"}, "unexpected argument 'old.json'"},
+        {{"rehearse", "--hold", "1"}, "--dir DIR is needed"},
+        {{"rehearse", "--dir", "/tmp/x", "--step", "-0.1"}, "not '-0.1'"},
+        {{"rehearse", "--dir", "/tmp/x", "--launch-only=yes"}, "unknown option"},
     };
     for (const auto& [arguments, problem] : cases) {
         const auto ran = scrimlet(arguments);
