@@ -1,8 +1,15 @@
 #include "AppPaths.hpp"
 
+#include <optional>
+
 namespace scrimlet::AppPaths {
 
 namespace {
+
+std::optional<std::filesystem::path>& applicationSupport() {
+    static std::optional<std::filesystem::path> folder;
+    return folder;
+}
 
 std::filesystem::path home(const Harness::Environment& environment) {
     const auto found = environment.find("HOME");
@@ -29,7 +36,16 @@ std::filesystem::path support(const Harness::Environment& environment) {
 }
 
 std::filesystem::path support() {
+    if (const auto& folder = applicationSupport()) {
+        return *folder / "Scrimlet";
+    }
     return support(Harness::env());
+}
+
+void setApplicationSupport(std::filesystem::path folder) {
+    if (!folder.empty()) {
+        applicationSupport() = std::move(folder);
+    }
 }
 
 } // namespace scrimlet::AppPaths

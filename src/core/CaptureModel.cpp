@@ -40,17 +40,6 @@ std::vector<std::string> stringList(const Json& value) {
 
 } // namespace
 
-std::optional<Rect> Rect::intersection(const Rect& other) const {
-    const double left = std::max(minX(), other.minX());
-    const double top = std::max(minY(), other.minY());
-    const double right = std::min(maxX(), other.maxX());
-    const double bottom = std::min(maxY(), other.maxY());
-    if (right <= left || bottom <= top) {
-        return std::nullopt;
-    }
-    return Rect{left, top, right - left, bottom - top};
-}
-
 std::string_view rawValue(CaptureKind kind) {
     return kindRows[static_cast<size_t>(kind)].raw;
 }

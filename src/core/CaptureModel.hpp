@@ -4,6 +4,8 @@
 // one look at the window list, the process list and the device state, what was found, the
 // user's options, and the apps known by bundle identifier. Plain values.
 
+#include "Geometry.hpp"
+
 #include <nlohmann/json_fwd.hpp>
 
 #include <cstdint>
@@ -15,28 +17,6 @@
 #include <vector>
 
 namespace scrimlet {
-
-/// A rectangle in global display coordinates: origin at the top left of the main display,
-/// y growing downward, so `minY` is the top edge and `maxY` the bottom edge.
-struct Rect {
-    double x = 0;
-    double y = 0;
-    double width = 0;
-    double height = 0;
-
-    double minX() const { return x; }
-    double minY() const { return y; }
-    double maxX() const { return x + width; }
-    double maxY() const { return y + height; }
-    double midX() const { return x + width / 2; }
-    double midY() const { return y + height / 2; }
-    bool isEmpty() const { return width <= 0 || height <= 0; }
-    /// The overlap of two rectangles; nothing when they do not overlap.
-    std::optional<Rect> intersection(const Rect& other) const;
-    bool intersects(const Rect& other) const { return intersection(other).has_value(); }
-
-    friend bool operator==(const Rect&, const Rect&) = default;
-};
 
 /// One window of the window list.
 struct WindowInfo {

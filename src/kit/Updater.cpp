@@ -56,6 +56,14 @@ std::optional<std::string> address(const BundleFacts& bundle, const std::string&
     return text;
 }
 
+/// A build made without the maker's key writes the key as empty text: that is no key.
+std::optional<std::string> nonEmpty(std::optional<std::string> text) {
+    if (text && text->empty()) {
+        return std::nullopt;
+    }
+    return text;
+}
+
 /// A version becomes a folder name, and the feed is not signed: never let it reach outside
 /// the staging folder.
 bool isPlainName(const std::string& name) {
@@ -134,7 +142,7 @@ Updater::Updater(BundleFacts bundle, std::filesystem::path cachesFolder,
     , system_(system)
     , services_(std::move(services))
     , feedURL_(address(bundle_, "VantrelUpdateFeedURL"))
-    , publicKey_(bundle_.infoString("VantrelUpdatePublicKey"))
+    , publicKey_(nonEmpty(bundle_.infoString("VantrelUpdatePublicKey")))
     , currentVersion_(bundle_.infoString("CFBundleShortVersionString").value_or("1.0"))
     , appName_(bundle_.infoString("CFBundleName").value_or(""))
     , automaticallyDownloads_(services_.defaults->boolValue(autoUpdateKey).value_or(true)) {}

@@ -18,5 +18,12 @@ TEST(AppPaths, TheSupportFolderFollowsTheUsersDataHome) {
 #endif
 }
 
+TEST(AppPaths, TheAppMayNameTheApplicationSupportFolderItself) {
+    AppPaths::setApplicationSupport("");
+    EXPECT_EQ(AppPaths::support(), AppPaths::support(Harness::env())) << "an empty name is no name";
+    AppPaths::setApplicationSupport("/Users/ada/Library/Containers/x/Application Support");
+    EXPECT_EQ(AppPaths::support(), "/Users/ada/Library/Containers/x/Application Support/Scrimlet");
+}
+
 } // namespace
 } // namespace scrimlet

@@ -190,14 +190,19 @@ TEST_F(UpdaterStory, AppsThatCannotUpdateInPlaceNeverDownloadByThemselves) {
                                  "get updates automatically.")
             << place;
     }
-    // Nor without the maker's key, from a good place.
+    // Nor without the maker's key, from a good place: an empty key, as a build without one
+    // writes it, counts as none.
     bundle.path = temp / "Applications" / "Scrimlet.app";
+    bundle.info["VantrelUpdatePublicKey"] = "";
+    const auto emptyKey = make();
+    emptyKey->check(false);
+    EXPECT_EQ(UpdateScreen::of(*emptyKey).buttons.back().title, "Open Download Page");
     bundle.info.erase("VantrelUpdatePublicKey");
     const auto keyless = make();
     keyless->check(false);
     EXPECT_EQ(UpdateScreen::of(*keyless).buttons.back().title, "Open Download Page");
-    // Three checks, and never the archive.
-    EXPECT_EQ(server->requests.size(), 3u);
+    // Four checks, and never the archive.
+    EXPECT_EQ(server->requests.size(), 4u);
     EXPECT_FALSE(fs::exists(caches) || !tools->runs.empty());
 }
 
