@@ -39,8 +39,12 @@ bool writeAll(int fd, std::string_view data) {
     return true;
 }
 
+// Built by appending: GCC 12 at -O3 misreads `"." + string` as an overflow.
 std::string temporaryPrefix(const std::filesystem::path& target) {
-    return "." + target.filename().string() + ".tmp-";
+    std::string prefix = ".";
+    prefix.append(target.filename().string());
+    prefix.append(".tmp-");
+    return prefix;
 }
 
 // The process id goes into the name, so that a leftover tells whose it was.
