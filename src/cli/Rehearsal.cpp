@@ -6,9 +6,9 @@
 #include "StageStore.hpp"
 #include "TerminationSignals.hpp"
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
-#include <thread>
 
 namespace scrimlet {
 
@@ -21,7 +21,7 @@ namespace fs = std::filesystem;
 // Mac changed and the journal not yet told.
 class PacedStage : public StageSystem {
 public:
-    PacedStage(std::shared_ptr<FakeStageSystem> mac, double pause, TerminationSignals* signals)
+    PacedStage(std::shared_ptr<FakeStageSystem> mac, double pause, TerminationSignals& signals)
         : mac_(std::move(mac))
         , pause_(pause)
         , signals_(signals) {}
@@ -48,19 +48,14 @@ public:
 private:
     // Once a termination signal has come, the rest goes at full speed to the orderly end.
     void wait() const {
-        if (pause_ <= 0) {
-            return;
-        }
-        if (signals_) {
-            signals_->wait(pause_);
-        } else {
-            std::this_thread::sleep_for(std::chrono::duration<double>(pause_));
+        if (pause_ > 0) {
+            signals_.wait(pause_);
         }
     }
 
     std::shared_ptr<FakeStageSystem> mac_;
     double pause_;
-    TerminationSignals* signals_;
+    TerminationSignals& signals_;
 };
 
 // Everything a show can do, on one simulated display that has the size asked for.
@@ -92,7 +87,7 @@ std::optional<double> seconds(const std::string& text) {
 
 } // namespace
 
-Rehearsal::Rehearsal(std::ostream& out, Options options, TerminationSignals* signals)
+Rehearsal::Rehearsal(std::ostream& out, Options options, TerminationSignals& signals)
     : out_(out)
     , options_(std::move(options))
     , signals_(signals) {}
@@ -139,20 +134,13 @@ int Rehearsal::run() {
     while (std::chrono::steady_clock::now() < until) {
         const double left =
             std::chrono::duration<double>(until - std::chrono::steady_clock::now()).count();
-        const double beat = std::min(1.0, std::max(0.0, left));
-        if (signals_) {
-            if (const auto signal = signals_->wait(beat)) {
-                return quit(*signal);
-            }
-        } else {
-            std::this_thread::sleep_for(std::chrono::duration<double>(beat));
+        if (const auto signal = signals_.wait(std::min(1.0, std::max(0.0, left)))) {
+            return quit(*signal);
         }
         store->tick();
     }
-    if (signals_) {
-        if (const auto signal = signals_->received()) {
-            return quit(*signal);
-        }
+    if (const auto signal = signals_.received()) {
+        return quit(*signal);
     }
     say("Dropping the curtain.");
     store->stopShow();
@@ -192,7 +180,7 @@ int Rehearsal::command(const std::map<std::string, std::string>& values,
         return 1;
     }
     TerminationSignals signals;
-    return Rehearsal(out, std::move(options), &signals).run();
+    return Rehearsal(out, std::move(options), signals).run();
 }
 
 } // namespace scrimlet

@@ -32,9 +32,9 @@ public:
     /// The name of the simulated Mac's file in the folder.
     static constexpr const char* macFile = "mac.json";
 
-    /// With `signals`, SIGTERM, SIGINT or SIGHUP cut the run short the way the app quits:
-    /// everything is put back and the sheet is filed.
-    Rehearsal(std::ostream& out, Options options, TerminationSignals* signals = nullptr);
+    /// SIGTERM, SIGINT or SIGHUP, seen through `signals`, cut the run short the way the app
+    /// quits: everything is put back and the sheet is filed.
+    Rehearsal(std::ostream& out, Options options, TerminationSignals& signals);
 
     /// Runs it; the exit status.
     int run();
@@ -49,7 +49,7 @@ private:
 
     std::ostream& out_;
     Options options_;
-    TerminationSignals* signals_;
+    TerminationSignals& signals_;
 };
 
 } // namespace scrimlet
