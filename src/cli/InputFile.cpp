@@ -1,51 +1,64 @@
 #include "InputFile.hpp"
 
-#include "AtomicFile.hpp"
-
+#include <cerrno>
 #include <cstdio>
 
 namespace scrimlet::InputFile {
 
 namespace {
 
-// "52.4 MB": decimal megabytes, as the limit itself is told.
-std::string megabytes(std::uintmax_t bytes) {
-    char text[32];
-    std::snprintf(text, sizeof text, "%.1f MB", static_cast<double>(bytes) / 1e6);
-    return text;
+std::string becauseOf(const std::error_code& error) {
+    if (error == std::errc::permission_denied || error == std::errc::operation_not_permitted) {
+        return "could not be read: permission denied";
+    }
+    return "could not be read: " + error.message();
 }
 
 } // namespace
 
-Contents read(const std::filesystem::path& file) {
-    auto reading = files::readChecked(file);
-    Contents contents;
-    if (reading.text) {
-        contents.text = std::move(reading.text);
-        return contents;
+std::string byteCount(std::size_t bytes) {
+    if (bytes < 1000) {
+        return std::to_string(bytes) + (bytes == 1 ? " byte" : " bytes");
     }
-    const std::string name = file.string();
+    char text[32];
+    const double kb = static_cast<double>(bytes) / 1000;
+    if (kb < 1000) {
+        std::snprintf(text, sizeof text, "%.1f KB", kb);
+    } else {
+        std::snprintf(text, sizeof text, "%.1f MB", kb / 1000);
+    }
+    return text;
+}
+
+Result read(const std::filesystem::path& path, std::size_t maxBytes) {
+    auto reading = files::readChecked(path, maxBytes);
+    Result result;
+    if (reading.text) {
+        result.text = std::move(reading.text);
+        return result;
+    }
     switch (reading.refusal.value_or(files::Refusal::unreadable)) {
     case files::Refusal::missing:
-        contents.missing = true;
+        result.missing = true;
+        result.problem = reading.error == std::errc::not_a_directory
+                             ? "does not exist (a part of its path is not a folder)"
+                             : "does not exist";
         break;
     case files::Refusal::folder:
-        contents.problem = name + " is a folder, not a file.";
+        result.problem = "is a folder, not a file";
         break;
     case files::Refusal::notRegular:
-        contents.problem =
-            name + " is not a regular file (a pipe, a device or a socket), so it was not read.";
+        result.problem = "is not a regular file (a pipe, a device or a socket)";
         break;
     case files::Refusal::tooLarge:
-        contents.problem = name + " is " + megabytes(reading.size) + ", larger than the " +
-                           std::to_string(files::readLimit / 1'000'000) +
-                           " MB that any Scrimlet file can be, so it was not read.";
+        result.problem = "is " + byteCount(static_cast<std::size_t>(reading.size)) +
+                         ", too large to read (at most " + byteCount(maxBytes) + ")";
         break;
     case files::Refusal::unreadable:
-        contents.problem = name + " could not be read: " + reading.error.message() + ".";
+        result.problem = becauseOf(reading.error);
         break;
     }
-    return contents;
+    return result;
 }
 
 } // namespace scrimlet::InputFile

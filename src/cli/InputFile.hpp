@@ -1,26 +1,32 @@
 #pragma once
 
+#include "AtomicFile.hpp"
+
+#include <cstddef>
 #include <filesystem>
 #include <optional>
 #include <string>
 
-/// A file that the user names on the command line, read with the limits the program itself
-/// reads its files with: never a pipe or a device, which could block for ever or never end,
-/// never a folder, and never more than `files::readLimit` bytes. Every command that reads a
-/// file the user names takes it through here, so that they all say the same about one that
-/// cannot be read.
+/// Reads a file that a person named on the command line, where anything may turn up: a
+/// folder, a pipe that never ends, a device, a file far too big. Only a regular file of at
+/// most `maxBytes` is read, with the same checks as the program's own readers, and opening
+/// never blocks, so a FIFO without a writer cannot hang the command. Everything else is
+/// answered with a sentence that says what was found instead, the same for every command.
 namespace scrimlet::InputFile {
 
-struct Contents {
-    /// The whole text, when the file could be read.
+struct Result {
+    /// The whole content; nothing when `problem` says why not.
     std::optional<std::string> text;
-    /// Nothing is there: for most commands not a fault, just nothing yet.
+    /// Nothing is there at all, which some commands take as "nothing yet" rather than a fault.
     bool missing = false;
-    /// When there is neither text nor `missing`: why not, as a sentence that names the file
-    /// ("/tmp/x is a folder, not a file.").
+    /// Finishes a sentence that begins with the file's name: "is a folder, not a file".
     std::string problem;
 };
 
-Contents read(const std::filesystem::path& file);
+/// By default at most what the program itself reads of its own files.
+Result read(const std::filesystem::path& path, std::size_t maxBytes = files::readLimit);
+
+/// "512 bytes", "3.2 KB", "50.0 MB".
+std::string byteCount(std::size_t bytes);
 
 } // namespace scrimlet::InputFile

@@ -36,7 +36,7 @@ bool isEmptyList(const std::string& text) {
 int sheets(const std::filesystem::path& file, bool json, std::ostream& out, std::ostream& err) {
     const auto contents = InputFile::read(file);
     if (!contents.text && !contents.missing) {
-        err << "scrimlet: sheets: " << contents.problem << "\n";
+        err << "scrimlet: sheets: " << file.string() << " " << contents.problem << "\n";
         return unreadable;
     }
     const auto loaded =
@@ -68,7 +68,7 @@ int sheets(const std::filesystem::path& file, bool json, std::ostream& out, std:
 int journal(const std::filesystem::path& file, std::ostream& out, std::ostream& err) {
     const auto contents = InputFile::read(file);
     if (!contents.text && !contents.missing) {
-        err << "scrimlet: journal: " << contents.problem << "\n";
+        err << "scrimlet: journal: " << file.string() << " " << contents.problem << "\n";
         return unreadable;
     }
     const auto entries =

@@ -148,12 +148,10 @@ TEST(CommandLine, FilesThatCannotBeReadAreRefusedInTheSameWordsByBothListings) {
     files::writeAtomically(big, "[");
     std::filesystem::resize_file(big, 50'000'000);
     const std::vector<std::pair<std::string, std::string>> refused = {
-        {fifo.string(),
-         " is not a regular file (a pipe, a device or a socket), so it was not read."},
-        {"/dev/zero", " is not a regular file (a pipe, a device or a socket), so it was not read."},
-        {temp.path().string(), " is a folder, not a file."},
-        {big.string(),
-         " is 50.0 MB, larger than the 10 MB that any Scrimlet file can be, so it was not read."},
+        {fifo.string(), " is not a regular file (a pipe, a device or a socket)"},
+        {"/dev/zero", " is not a regular file (a pipe, a device or a socket)"},
+        {temp.path().string(), " is a folder, not a file"},
+        {big.string(), " is 50.0 MB, too large to read (at most 10.0 MB)"},
     };
     for (const auto& [file, words] : refused) {
         for (const std::string command : {"sheets", "journal"}) {
