@@ -9,11 +9,11 @@
 #
 # 25 seconds a target by default, as CI runs it; --merge adds what a run found that reaches
 # new code to the corpus in the tree. Targets: journal settings runsheets simulated_mac
-# update_feed cues (all by default).
+# update_feed cues window_list (all by default).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-all=(journal settings runsheets simulated_mac update_feed cues)
+all=(journal settings runsheets simulated_mac update_feed cues window_list)
 seconds=25
 merge=0
 targets=()
