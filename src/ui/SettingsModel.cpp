@@ -3,6 +3,8 @@
 #include "SettingsPagesParts.hpp"
 
 #include <algorithm>
+#include <cstdio>
+#include <type_traits>
 
 namespace scrimlet {
 
@@ -253,3 +255,149 @@ std::function<void(StageStore&)> removeFrom(const SettingsField<std::vector<std:
 } // namespace SettingsParts
 
 } // namespace scrimlet
+
+namespace scrimlet::SettingsPages {
+
+namespace {
+
+std::string number(double value) {
+    char buffer[48];
+    std::snprintf(buffer, sizeof buffer, "%.4f", value);
+    return buffer;
+}
+
+void describeTag(std::string& out, const std::optional<TagModel>& tag) {
+    if (tag) {
+        out += "[tag " + tag->text + "]";
+    }
+}
+
+void describeMenu(std::string& out, const MenuControl& menu) {
+    out += "menu " + menu.title + "|" + menu.label + "|" + menu.emptyText.value_or("") + "|";
+    for (const MenuGroup& group : menu.groups) {
+        out += "(" + group.title.value_or("") + ":";
+        for (const MenuChoice& choice : group.choices) {
+            out += choice.title + (choice.enabled ? "," : "-,");
+        }
+        out += ")";
+    }
+    out += menu.selected ? std::to_string(*menu.selected) : "-";
+}
+
+void describeToggle(std::string& out, const ToggleControl& toggle) {
+    out += "toggle " + toggle.field + (toggle.on ? " on" : " off") +
+           (toggle.enabled ? "" : " disabled") + "|" + toggle.label;
+}
+
+void describeHotkey(std::string& out, const HotkeyControl& hotkey) {
+    out += "hotkey " + hotkey.field + " " + (hotkey.hotkey ? hotkey.hotkey->display() : "-");
+}
+
+void describeControl(std::string& out, const RowControl& control) {
+    std::visit(
+        [&out](const auto& c) {
+            using C = std::decay_t<decltype(c)>;
+            if constexpr (std::is_same_v<C, ToggleControl>) {
+                describeToggle(out, c);
+            } else if constexpr (std::is_same_v<C, MenuControl>) {
+                describeMenu(out, c);
+            } else if constexpr (std::is_same_v<C, SliderControl>) {
+                out += "slider " + c.field + " " + number(c.value) + " " + number(c.minimum) + " " +
+                       number(c.maximum);
+            } else if constexpr (std::is_same_v<C, HotkeyControl>) {
+                describeHotkey(out, c);
+            } else if constexpr (std::is_same_v<C, TextFieldControl>) {
+                out += "text " + c.field + " " + c.value;
+            } else if constexpr (std::is_same_v<C, ButtonControl>) {
+                out += "button " + c.button.title + "|" + c.button.symbol.value_or("") + "|" +
+                       c.button.accessibilityLabel;
+            } else if constexpr (std::is_same_v<C, ColorWellControl>) {
+                out += "colour " + c.field + " " + std::to_string(c.color);
+            } else if constexpr (std::is_same_v<C, StateMarkControl>) {
+                out += c.ready ? "ready" : "not ready";
+                describeTag(out, c.tag);
+            } else {
+                out += "none";
+            }
+        },
+        control);
+}
+
+void describeItem(std::string& out, const SectionItem& item) {
+    std::visit(
+        [&out](const auto& i) {
+            using I = std::decay_t<decltype(i)>;
+            if constexpr (std::is_same_v<I, SettingRow>) {
+                out += "row " + i.title + "|" + i.detail.value_or("") + "|" +
+                       i.symbol.value_or("") + "|";
+                describeControl(out, i.control);
+            } else if constexpr (std::is_same_v<I, SwitchSettingsRow>) {
+                out += "switch " + i.title + "|";
+                if (i.autoOff) {
+                    describeMenu(out, *i.autoOff);
+                }
+                describeHotkey(out, i.hotkey);
+                describeToggle(out, i.pin);
+            } else if constexpr (std::is_same_v<I, ColumnHeader>) {
+                for (const auto& column : i.columns) {
+                    out += column + ",";
+                }
+            } else if constexpr (std::is_same_v<I, TextBlock>) {
+                for (const auto& line : i.lines) {
+                    out += line.text + "|";
+                }
+            } else if constexpr (std::is_same_v<I, StepsBlock>) {
+                for (const auto& step : i.steps) {
+                    out += step + "|";
+                }
+            } else if constexpr (std::is_same_v<I, StatusBlock>) {
+                out += "status " + i.title + "|" + i.detail;
+            } else if constexpr (std::is_same_v<I, ButtonsBlock>) {
+                for (const auto& button : i.buttons) {
+                    out += button.button.title + "|";
+                }
+            } else if constexpr (std::is_same_v<I, MenuBarDiagramModel>) {
+                out += "diagram";
+            } else {
+                for (const auto& swatch : i.swatches) {
+                    out += swatch.name + (swatch.chosen ? "*" : "") + ",";
+                }
+            }
+        },
+        item);
+    out += "\n";
+}
+
+} // namespace
+
+std::string describe(const SettingsPageModel& page) {
+    std::string out = page.title + "\n" + page.subtitle.value_or("") + "\n";
+    for (const PageBlock& block : page.blocks) {
+        std::visit(
+            [&out](const auto& b) {
+                using B = std::decay_t<decltype(b)>;
+                if constexpr (std::is_same_v<B, SettingsSection>) {
+                    out += "section " + b.title + "|" + b.lead.value_or("") + "|" +
+                           b.footer.value_or("") + "\n";
+                    for (const SectionItem& item : b.items) {
+                        describeItem(out, item);
+                    }
+                } else if constexpr (std::is_same_v<B, BannerModel>) {
+                    out += "banner " + b.text + "\n";
+                } else if constexpr (std::is_same_v<B, BackdropPreviewBlock>) {
+                    out += "preview " + b.accessibilityLabel + " " + number(b.style.angle) + " " +
+                           number(b.style.blur) + " " + number(b.style.dim);
+                    for (const auto color : b.style.colors) {
+                        out += " " + std::to_string(color);
+                    }
+                    out += "\n";
+                } else {
+                    out += "kinds " + std::to_string(b.selected) + "\n";
+                }
+            },
+            block);
+    }
+    return out;
+}
+
+} // namespace scrimlet::SettingsPages

@@ -244,6 +244,9 @@ struct KindPicker {
 
 using PageBlock = std::variant<SettingsSection, BannerModel, BackdropPreviewBlock, KindPicker>;
 
+/// The size of a page's own title.
+inline constexpr Font pageTitleFont = Font::system(22, FontWeight::bold);
+
 /// One page of the settings window.
 struct SettingsPageModel {
     SettingsTab tab = SettingsTab::stage;
@@ -282,6 +285,10 @@ SettingsPageModel backdrop(const StageStore& store);
 SettingsPageModel menuBar(const StageStore& store);
 SettingsPageModel switches(const StageStore& store);
 SettingsPageModel quiet(const StageStore& store);
+
+/// Everything a page shows, as text: when two models describe alike, the page on screen
+/// needs no redrawing.
+std::string describe(const SettingsPageModel& page);
 
 /// Whether both shortcuts the Quiet page names exist, as the store last heard.
 bool shortcutsReady(const StageStore& store);

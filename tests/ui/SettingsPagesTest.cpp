@@ -556,3 +556,36 @@ TEST(SettingsPages, TheQuietPageFollowsTheShortcutsAndTheirNames) {
 
 } // namespace
 } // namespace scrimlet
+
+namespace scrimlet {
+namespace {
+
+TEST(SettingsPages, APageIsDrawnAgainOnlyWhenWhatItShowsChanges) {
+    testing::InterfaceRig rig;
+    const auto described = [&](SettingsTab tab) {
+        return SettingsPages::describe(SettingsPages::page(tab, *rig.store));
+    };
+    const std::string stage = described(SettingsTab::stage);
+    rig.seconds(30);
+    EXPECT_EQ(described(SettingsTab::stage), stage) << "the clock alone changes nothing here";
+
+    StageSettings dark = rig.store->settings();
+    dark.plan.darkMode = true;
+    rig.store->setSettings(dark);
+    EXPECT_NE(described(SettingsTab::stage), stage);
+
+    const std::string switches = described(SettingsTab::switches);
+    StageSettings bigger = rig.store->settings();
+    bigger.spotlightRadius = 111;
+    rig.store->setSettings(bigger);
+    EXPECT_NE(described(SettingsTab::switches), switches) << "a slider's value shows";
+
+    const std::string backdrop = described(SettingsTab::backdrop);
+    StageSettings tinted = rig.store->settings();
+    tinted.backdropStyle.colors[0] = 0x123456;
+    rig.store->setSettings(tinted);
+    EXPECT_NE(described(SettingsTab::backdrop), backdrop) << "the preview follows the colours";
+}
+
+} // namespace
+} // namespace scrimlet
