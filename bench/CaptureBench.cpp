@@ -1,3 +1,4 @@
+#include "CaptureExplanation.hpp"
 #include "CaptureRules.hpp"
 
 #include <benchmark/benchmark.h>
@@ -85,6 +86,28 @@ void BM_CaptureRulesEvaluate(benchmark::State& state) {
 }
 
 BENCHMARK(BM_CaptureRulesEvaluate)->ArgsProduct({{50, 300}, {1, 0}});
+
+// The explanation judges every rule on every window of its apps and writes its findings in
+// words; it runs when a person asks, never at the tick.
+void BM_CaptureRulesExplain(benchmark::State& state) {
+    const auto count = static_cast<int>(state.range(0));
+    const bool shareLast = state.range(1) != 0;
+    const CaptureSnapshot snapshot = desk(count, shareLast);
+    DetectionOptions options;
+    options.startWhenOpen = {"com.example.deck"};
+    for (auto _ : state) {
+        auto explanation = CaptureRules::explain(snapshot, options);
+        benchmark::DoNotOptimize(explanation);
+        if (explanation.verdict.has_value() != shareLast) {
+            state.SkipWithError("unexpected result");
+            break;
+        }
+    }
+    state.SetItemsProcessed(state.iterations() * count);
+    state.SetLabel(shareLast ? "share frame last" : "nothing matches");
+}
+
+BENCHMARK(BM_CaptureRulesExplain)->ArgsProduct({{50, 300}, {1, 0}});
 
 } // namespace
 } // namespace scrimlet

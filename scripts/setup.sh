@@ -4,7 +4,7 @@
 set -euo pipefail
 
 if [[ "$(uname)" == "Darwin" ]]; then
-    brew install cmake ninja pkg-config nlohmann-json googletest google-benchmark libsodium icu4c
+    brew install cmake ninja pkg-config nlohmann-json googletest google-benchmark libsodium
     exit 0
 fi
 

@@ -1,20 +1,23 @@
 #include "SelfTest.hpp"
 
+#include "AppleScript.hpp"
 #include "AtomicFile.hpp"
+#include "CaptureRules.hpp"
 #include "DemoCapture.hpp"
 #include "FakeStageSystem.hpp"
 #include "Harness.hpp"
 #include "JournalStore.hpp"
+#include "RealStageSystem.hpp"
 #include "RunSheetFile.hpp"
 #include "SettingsFile.hpp"
 #include "StageStore.hpp"
+#include "TripwireFacilities.hpp"
 
 #include <algorithm>
 #include <cmath>
 #include <functional>
 #include <map>
 #include <memory>
-#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -435,34 +438,81 @@ private:
         render(*relaunched, "recovered");
     }
 
+    // The real stage system, over a Mac that must never be touched: in a test run every
+    // change and every outside action is refused before any facility is reached.
     void realSystem() {
+        // The self check is a test run wherever it runs, also when the command line started
+        // it by name rather than through the variable.
+        Harness::Environment environment = Harness::env();
+        environment["SCRIMLET_SELFTEST"] = dir_.string();
+        const auto wire = std::make_shared<TripwireFacilities>();
+        RealStageSystem::Options options;
+        options.isTestRun = [environment] { return Harness::isTestRun(environment); };
+        options.micLevelsFile = state() / "mic-levels.json";
+        options.shortcuts.runner = wire->runner();
+        options.shortcuts.temporaryFolder = state();
+        RealStageSystem real(wire, options);
+        const auto refusedInTestRun = [](const std::function<void()>& action) {
+            try {
+                action();
+            } catch (const StageError& error) {
+                return error.kind() == StageError::Case::refusedInTestRun;
+            } catch (...) {
+                return false;
+            }
+            return false;
+        };
+
+        std::vector<std::string> kinds;
+        for (const auto kind : effect_kind::allCases) {
+            const EffectKey key(kind,
+                                kind == EffectKind::appHidden ? "com.apple.finder#1#Finder" : "");
+            const auto value = kind == EffectKind::alertVolume || kind == EffectKind::displayMode
+                                   ? JournalValue::number(0)
+                                   : JournalValue::boolean(true);
+            if (refusedInTestRun([&] { real.write(key, value); })) {
+                kinds.emplace_back(rawValue(kind));
+            }
+        }
+        step("the real system refused all " + std::to_string(kinds.size()) + " kinds of change (" +
+                 joined(kinds) + ")",
+             kinds.size() == effect_kind::allCases.size() && wire->calls().empty());
+
+        step("and won't start the screen saver",
+             refusedInTestRun([&] { real.startScreenSaver(); }) && wire->calls().empty());
+
+        const bool holdRefused = refusedInTestRun([&] { real.keepAwake().hold(); });
+        step("no power assertion is taken",
+             holdRefused && !real.keepAwake().isHolding() && !wire->called("createPowerAssertion"));
+
+        const bool nothingRead = !real.read(alertVolume);
+        const bool quietNeedsSetup = !real.availability(EffectKind::doNotDisturb).isReady();
+        const bool shortcutRefused =
+            refusedInTestRun([&] { real.shortcuts().run(StageSettings().focusOnShortcut); });
+        step("no shortcuts or AppleScript run", nothingRead && quietNeedsSetup && shortcutRefused &&
+                                                    real.shortcuts().installed(true).empty() &&
+                                                    !wire->called("runAppleScript") &&
+                                                    !wire->called("shortcuts"));
+
+        const bool ready = real.availability(EffectKind::dockAutohide).isReady() &&
+                           real.availability(EffectKind::darkMode).isReady();
+        step("no Automation check is made",
+             ready &&
+                 AppleScript::systemEventsPermission(*wire, options.isTestRun()) ==
+                     AppleScript::Permission::unknown &&
+                 !wire->called("automationPermission"));
+
         if (!shell_) {
-            skip("the real system refused all kinds of change");
-            skip("and won't start the screen saver");
-            skip("no power assertion is taken");
-            skip("no shortcuts or AppleScript run");
-            skip("no Automation check is made");
             skip("read the on-screen windows; detector gives its verdict");
             return;
         }
-        const RealSystemFacts facts = shell_->realSystemChecks();
-        std::vector<std::string> kinds;
-        for (const auto kind : facts.refused) {
-            kinds.emplace_back(rawValue(kind));
-        }
-        const std::set<EffectKind> refused(facts.refused.begin(), facts.refused.end());
-        step("the real system refused all " + std::to_string(facts.refused.size()) +
-                 " kinds of change (" + joined(kinds) + ")",
-             refused.size() == facts.refused.size() &&
-                 refused.size() == effect_kind::allCases.size());
-        step("and won't start the screen saver", facts.screenSaverRefused);
-        step("no power assertion is taken", !facts.powerAssertionTaken);
-        step("no shortcuts or AppleScript run", !facts.scriptOrShortcutRun);
-        step("no Automation check is made", !facts.automationChecked);
-        step("read " + std::to_string(facts.windowsRead.value_or(0)) +
+        const auto windows = shell_->onScreenWindows();
+        const auto verdict =
+            windows ? CaptureRules::evaluate(*windows, DetectionOptions()) : std::nullopt;
+        step("read " + std::to_string(windows ? windows->windows.size() : 0) +
                  " on-screen windows; detector says: " +
-                 (facts.verdict ? facts.verdict->sentence() : "nothing is being shared"),
-             facts.windowsRead.has_value());
+                 (verdict ? verdict->sentence() : "nothing is being shared"),
+             windows.has_value());
     }
 
     void noMicrophone() {

@@ -20,32 +20,17 @@ struct DropdownSize {
     friend bool operator==(const DropdownSize&, const DropdownSize&) = default;
 };
 
-/// What the real system did when the self check prodded it in a test run. Every write and
-/// every outside action must have been refused; the window list is read, never changed.
-struct RealSystemFacts {
-    /// The kinds of change whose write was refused because this is a test run, in order.
-    std::vector<EffectKind> refused;
-    bool screenSaverRefused = false;
-    bool powerAssertionTaken = false;
-    bool scriptOrShortcutRun = false;
-    bool automationChecked = false;
-    /// How many on-screen windows the real window list held; nothing when it could not be read.
-    std::optional<int> windowsRead;
-    /// What capture detection made of those windows.
-    std::optional<CaptureSource> verdict;
-
-    friend bool operator==(const RealSystemFacts&, const RealSystemFacts&) = default;
-};
-
 /// What only the macOS shell can do for the self check: lay out the real dropdown, and
-/// prod the real system. The self check judges what it answers; the shell decides nothing.
+/// read the real window list. The self check judges what it answers; the shell decides
+/// nothing.
 class SelfTestShell {
 public:
     virtual ~SelfTestShell() = default;
     /// Lays out the dropdown for the store as it stands; its fitting size.
     virtual DropdownSize render(StageStore& store) = 0;
-    /// Asks the real system for every kind of change and every outside action, in a test run.
-    virtual RealSystemFacts realSystemChecks() = 0;
+    /// One read-only look at the real window list, as detection takes it with its default
+    /// options; nothing when it could not be read.
+    virtual std::optional<CaptureSnapshot> onScreenWindows() = 0;
 };
 
 /// The program proving itself: the whole application logic runs a fixed scenario of named
@@ -67,8 +52,9 @@ struct Result {
 /// Runs the scenario with its files in `dir` (created if needed; its folders "state" and
 /// "crash" are the self check's own and start empty) and writes the report atomically to
 /// "selftest.txt" there. An unwritable folder fails its steps and loses the file, but the
-/// result still tells. Without a shell, the steps that need the macOS shell are reported as
-/// skipped, never as passed.
+/// result still tells. The real system's refusals are proved wherever this runs, over
+/// facilities that fail the step if they are ever reached; without a shell, the steps that
+/// need the macOS shell are reported as skipped, never as passed.
 Result run(const std::filesystem::path& dir, SelfTestShell* shell = nullptr);
 
 } // namespace SelfTest

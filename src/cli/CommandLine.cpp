@@ -2,9 +2,11 @@
 
 #include "AppPaths.hpp"
 #include "DemoDay.hpp"
+#include "DetectCommand.hpp"
 #include "Listings.hpp"
 #include "SelfTest.hpp"
 #include "TerminationSignals.hpp"
+#include "WindowsCommand.hpp"
 
 #include <cmath>
 #include <limits>
@@ -51,6 +53,16 @@ void usage(std::ostream& out, const Harness::Environment& environment) {
            "        FILE is "
         << (support / "journal.json").string()
         << " by default.\n"
+           "  windows [--save FILE] [--label TEXT] [--watch]\n"
+           "        On a Mac: the live window list as capture detection sees it, the verdict\n"
+           "        and why each rule matched or not. --save FILE keeps the list for a report,\n"
+           "        with --label saying what you were doing; --watch tells once a second what\n"
+           "        the watcher decides, until Ctrl-C (with --save, each look is kept as\n"
+           "        FILE-0001, FILE-0002, ...).\n"
+           "  detect FILE... [--windows] [--json]\n"
+           "        Judges saved window lists again, on any machine: each rule's finding, and\n"
+           "        the lists replayed one a second through the watcher. --windows lists each\n"
+           "        one's displays and windows too; --json is for tools.\n"
            "  help   This text. --version prints the version.\n";
 }
 
@@ -194,7 +206,7 @@ int listing(const std::vector<std::string>& arguments, const Harness::Environmen
 } // namespace
 
 int run(const std::vector<std::string>& arguments, const Harness::Environment& environment,
-        std::ostream& out, std::ostream& err) {
+        std::ostream& out, std::ostream& err, const LiveWindowList* liveWindows) {
     if (const auto dir = Harness::selfTestDir(environment)) {
         return selfTest(*dir, out, err);
     }
@@ -227,6 +239,23 @@ int run(const std::vector<std::string>& arguments, const Harness::Environment& e
     }
     if (command == "sheets" || command == "journal") {
         return listing(arguments, environment, out, err);
+    }
+    if (command == "detect" || command == "windows") {
+        const bool detect = command == "detect";
+        int status = 0;
+        const auto options = detect ? parse(arguments, {}, {"--json", "--windows"}, anyNumber,
+                                            environment, out, err, status)
+                                    : parse(arguments, {"--save", "--label"}, {"--watch"}, 0,
+                                            environment, out, err, status);
+        if (!options) {
+            return status;
+        }
+        return detect ? DetectCommand::run(options->operands,
+                                           {options->flags.count("--json") > 0,
+                                            options->flags.count("--windows") > 0},
+                                           out, err)
+                      : WindowsCommand::run(options->values, options->flags.count("--watch") > 0,
+                                            environment, liveWindows, out, err);
     }
     return misuse(err, "unknown command '" + command + "'");
 }

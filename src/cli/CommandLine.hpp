@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Harness.hpp"
+#include "LiveWindowList.hpp"
 
 #include <ostream>
 #include <string>
@@ -15,8 +16,9 @@ inline constexpr int usageError = 2;
 
 /// Runs the command given by `arguments` (without the program's name) in `environment`; the
 /// process's exit status. "SCRIMLET_SELFTEST" in the environment runs the self check on its
-/// folder, as the app does, whatever the arguments say.
+/// folder, as the app does, whatever the arguments say. `windows` reads the live window
+/// list from `liveWindows`, which only the macOS build has.
 int run(const std::vector<std::string>& arguments, const Harness::Environment& environment,
-        std::ostream& out, std::ostream& err);
+        std::ostream& out, std::ostream& err, const LiveWindowList* liveWindows = nullptr);
 
 } // namespace scrimlet::CommandLine

@@ -1,5 +1,7 @@
 #include "CaptureRules.hpp"
 
+#include "CaptureLimits.hpp"
+
 #include <cmath>
 #include <string>
 
@@ -7,43 +9,7 @@ namespace scrimlet::CaptureRules {
 
 namespace {
 
-// Windows that no rule may see: our own panels, invisible windows and slivers.
-constexpr double minimumAlpha = 0.01;
-constexpr double minimumSide = 2;
-
-// The system's recording indicator: a small window at the very top of a display.
-constexpr std::int64_t recordingLayerFrom = 24;
-constexpr std::int64_t recordingLayerTo = 26;
-constexpr double recordingMaxHeight = 44;
-constexpr double recordingMaxWidth = 120;
-constexpr double recordingBandAbove = 1;
-constexpr double recordingBandBelow = 8;
-
-// A call app's share frame: above ordinary windows, covering nearly a whole display.
-constexpr std::int64_t callLayerFrom = 1;
-constexpr std::int64_t callLayerBelow = 1000;
-constexpr double callShareOfWidth = 0.9;
-constexpr double callShareOfHeight = 0.85;
-
-// A browser's "sharing your screen" bar: long, low, near the bottom or top, roughly centred.
-constexpr std::int64_t browserLayerFrom = 1;
-constexpr std::int64_t browserLayerBelow = 24;
-constexpr double browserMinHeight = 20;
-constexpr double browserMaxHeight = 90;
-constexpr double browserMinWidth = 120;
-constexpr double browserMaxWidth = 1100;
-constexpr double browserMinRatio = 3.5;
-constexpr double browserBottomBand = 220;
-constexpr double browserTopBand = 120;
-constexpr double browserMaxCentreOffset = 0.3;
-
-// The Takeloom recorder: its capture bar, or its square camera overlay.
-constexpr std::int64_t takeloomBarLayer = 3;
-constexpr double takeloomBarMinWidth = 400;
-constexpr double takeloomBarMaxHeight = 120;
-constexpr std::int64_t takeloomSquareLayerFrom = 1000;
-constexpr double takeloomSquareSlack = 4;
-constexpr double takeloomSquareMaxWidth = 400;
+using namespace CaptureLimits;
 
 bool passesFilter(const WindowInfo& window, std::int32_t selfPID) {
     return window.ownerPID != selfPID && window.alpha > minimumAlpha &&

@@ -127,10 +127,10 @@ CueOutcome Director::claim(const EffectKey& key, const JournalValue& value,
         std::optional<JournalValue> prior;
         try {
             prior = system_->write(key, value);
-        } catch (const std::exception& error) {
+        } catch (...) {
             entries_.erase(findNew());
             save();
-            const CueOutcome outcome = CueOutcome::failed(describe(error));
+            const CueOutcome outcome = CueOutcome::failed(describe(std::current_exception()));
             record(key, outcome);
             return outcome;
         }
@@ -188,8 +188,8 @@ CueOutcome Director::claim(const EffectKey& key, const JournalValue& value,
     std::optional<CueOutcome> failure;
     try {
         system_->write(key, value);
-    } catch (const std::exception& error) {
-        failure = CueOutcome::failed(describe(error));
+    } catch (...) {
+        failure = CueOutcome::failed(describe(std::current_exception()));
     }
     const auto driven = std::find_if(entries_.begin(), entries_.end(),
                                      [&](const JournalEntry& e) { return e.id == id; });
@@ -284,8 +284,8 @@ CueOutcome Director::write(const EffectKey& key, const JournalValue& value) {
                                                        : CueOutcome::gone();
         }
         return CueOutcome::failed(describe(error));
-    } catch (const std::exception& error) {
-        return CueOutcome::failed(describe(error));
+    } catch (...) {
+        return CueOutcome::failed(describe(std::current_exception()));
     }
 }
 
@@ -374,6 +374,17 @@ std::string Director::describe(const std::exception& error) {
         return stage->description();
     }
     return error.what();
+}
+
+std::string Director::describe(const std::exception_ptr& error) {
+    try {
+        std::rethrow_exception(error);
+    } catch (const std::exception& known) {
+        return describe(known);
+    } catch (...) {
+        // Platform code can throw what is no standard exception and carries no text.
+        return "unexpected error";
+    }
 }
 
 void Director::record(const EffectKey& key, const CueOutcome& outcome) {

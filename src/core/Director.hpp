@@ -65,6 +65,8 @@ public:
 
     /// The text for the user of an error thrown by the stage system.
     static std::string describe(const std::exception& error);
+    /// The same for an error of any type, also one that is no standard exception.
+    static std::string describe(const std::exception_ptr& error);
 
 private:
     std::optional<size_t> indexOf(const EffectKey& key) const;

@@ -50,8 +50,8 @@ std::vector<CueRecord> SwitchBoard::turnOn(SwitchKind kind) {
         // A one-shot action: nothing to journal, nothing to undo, no timer.
         try {
             system.startScreenSaver();
-        } catch (const std::exception& error) {
-            notes_[kind] = Director::describe(error);
+        } catch (...) {
+            notes_[kind] = Director::describe(std::current_exception());
         }
         changed();
         return {};

@@ -2,6 +2,7 @@
 
 #include "AtomicFile.hpp"
 #include "CommandLine.hpp"
+#include "DemoCapture.hpp"
 #include "StageStore.hpp"
 #include "TempDir.hpp"
 
@@ -24,7 +25,7 @@ bool has(const std::string& report, const std::string& line) {
 
 // The whole report, step by step, as it reads where the macOS shell is missing.
 const std::string withoutTheShell =
-    "38 passed, 0 failed, 13 skipped\n"
+    "43 passed, 0 failed, 8 skipped\n"
     "✓ starts with the house open\n"
     "✓ taking a screenshot doesn't start a show\n"
     "✓ Zoom's share frame starts the show (no countdown for automatic starts)\n"
@@ -69,11 +70,13 @@ const std::string withoutTheShell =
     "✓ next launch puts everything back\n"
     "✓ recovery run sheet recorded, journal cleared\n"
     "– dropdown lays out (recovered) (needs macOS)\n"
-    "– the real system refused all kinds of change (needs macOS)\n"
-    "– and won't start the screen saver (needs macOS)\n"
-    "– no power assertion is taken (needs macOS)\n"
-    "– no shortcuts or AppleScript run (needs macOS)\n"
-    "– no Automation check is made (needs macOS)\n"
+    "✓ the real system refused all 13 kinds of change (dockAutohide, darkMode, alertVolume, "
+    "micMute, doNotDisturb, appHidden, displayMode, keepAwake, desktopIcons, backdrop, "
+    "menuBarTidy, spotlight, keyboardLock)\n"
+    "✓ and won't start the screen saver\n"
+    "✓ no power assertion is taken\n"
+    "✓ no shortcuts or AppleScript run\n"
+    "✓ no Automation check is made\n"
     "– read the on-screen windows; detector gives its verdict (needs macOS)\n"
     "✓ no microphone: explained\n"
     "– dropdown lays out (empty) (needs macOS)\n";
@@ -84,7 +87,7 @@ TEST(SelfTest, WithoutTheShellEveryStepThatCanRunHerePassesAndTheRestIsSkipped) 
     const auto result = SelfTest::run(dir);
     EXPECT_EQ(result.report, withoutTheShell);
     EXPECT_EQ(std::tie(result.passed, result.failed, result.skipped, result.exitStatus),
-              std::make_tuple(38, 0, 13, 0));
+              std::make_tuple(43, 0, 8, 0));
     EXPECT_EQ(files::read(dir / "selftest.txt"), result.report);
 
     // The variable runs the same check from scratch, whatever command was given.
@@ -93,8 +96,8 @@ TEST(SelfTest, WithoutTheShellEveryStepThatCanRunHerePassesAndTheRestIsSkipped) 
     EXPECT_EQ(out.str(), result.report);
 }
 
-// A shell that measures a dropdown too small while the countdown runs, and a real system
-// that let one kind of change through.
+// A shell that measures a dropdown too small while the countdown runs, and sees Zoom
+// sharing the screen.
 class LeakyShell : public SelfTestShell {
 public:
     // The phase of the store at each picture, and whether it came from a recovery.
@@ -105,18 +108,7 @@ public:
         return store.phase().kind() == ShowPhase::Case::standby ? DropdownSize{200, 100}
                                                                 : DropdownSize{360.7, 640.2};
     }
-    RealSystemFacts realSystemChecks() override {
-        RealSystemFacts facts;
-        for (const auto kind : effect_kind::allCases) {
-            if (kind != EffectKind::keyboardLock) {
-                facts.refused.push_back(kind);
-            }
-        }
-        facts.screenSaverRefused = true;
-        facts.windowsRead = 12;
-        facts.verdict = CaptureSource{"us.zoom.xos", "Zoom", CaptureKind::callShare};
-        return facts;
-    }
+    std::optional<CaptureSnapshot> onScreenWindows() override { return DemoCapture::zoomSharing(); }
 };
 
 TEST(SelfTest, AFailingStepFailsTheRunWhileTheReportStaysComplete) {
@@ -125,15 +117,13 @@ TEST(SelfTest, AFailingStepFailsTheRunWhileTheReportStaysComplete) {
     const auto result = SelfTest::run(temp.path(), &shell);
     EXPECT_EQ(result.exitStatus, 1);
     EXPECT_EQ(std::count(result.report.begin(), result.report.end(), '\n'), 52);
-    EXPECT_EQ(result.report.rfind("49 passed, 2 failed\n", 0), 0u);
+    EXPECT_EQ(result.report.rfind("50 passed, 1 failed\n", 0), 0u);
     EXPECT_TRUE(has(result.report, "✗ dropdown lays out (standby: 200×100)"));
-    EXPECT_TRUE(has(result.report,
-                    "✗ the real system refused all 12 kinds of change (dockAutohide, darkMode, "
-                    "alertVolume, micMute, doNotDisturb, appHidden, displayMode, keepAwake, "
-                    "desktopIcons, backdrop, menuBarTidy, spotlight)"));
-    EXPECT_TRUE(has(result.report,
-                    "✓ read 12 on-screen windows; detector says: Zoom is sharing your screen"));
-    // Every step after the failures still ran.
+    EXPECT_TRUE(has(result.report, "✓ read " +
+                                       std::to_string(DemoCapture::zoomSharing().windows.size()) +
+                                       " on-screen windows; detector says: Zoom is sharing your "
+                                       "screen"));
+    // Every step after the failure still ran.
     EXPECT_TRUE(result.report.ends_with("\n✓ dropdown lays out (empty: 360×640)\n"));
     EXPECT_EQ(files::read(temp / "selftest.txt"), result.report);
 

@@ -1,6 +1,7 @@
 #include "Director.hpp"
 
 #include "StageRig.hpp"
+#include "SwitchBoard.hpp"
 
 #include <gtest/gtest.h>
 
@@ -177,6 +178,66 @@ TEST(Director, FailedWritesNeverLeaveAFalseJournal) {
     rig.sys->failWrites.insert(EffectKind::dockAutohide);
     EXPECT_EQ(d.release(dock, "x"), CueOutcome::failed("fake failure"));
     EXPECT_FALSE(d.entry(dock));
+}
+
+// What platform code may throw that is no standard exception at all.
+struct ForeignError {};
+
+// The simulated Mac, but writes of the chosen kinds throw something foreign.
+class ForeignFailures : public FakeStageSystem {
+public:
+    ForeignFailures()
+        : FakeStageSystem(demoApps(), "com.apple.Keynote", {1}, {"BuiltInMicrophoneDevice"}) {}
+    std::set<EffectKind> foreign;
+    std::optional<JournalValue> write(const EffectKey& key, const JournalValue& value) override {
+        if (foreign.count(key.kind)) {
+            throw ForeignError{};
+        }
+        return FakeStageSystem::write(key, value);
+    }
+    void startScreenSaver() override { throw ForeignError{}; }
+};
+
+TEST(Director, AnErrorOfAnyTypeIsAFailedStepAndThePlanGoesOn) {
+    TempDir dir;
+    auto sys = std::make_shared<ForeignFailures>();
+    auto clock = std::make_shared<ManualClock>(Date{1'790'000'000});
+    const auto journal = dir / "journal.json";
+    const auto director = std::make_shared<Director>(sys, std::make_shared<JournalStore>(journal),
+                                                     ManualClock::reading(clock));
+    Director& d = *director;
+    const CueOutcome unexpected = CueOutcome::failed("unexpected error");
+
+    sys->foreign = {EffectKind::darkMode};
+    EXPECT_EQ(d.claim(darkMode, on(), "stage"), unexpected);
+    EXPECT_FALSE(d.entry(darkMode));
+    EXPECT_FALSE(std::filesystem::exists(journal));
+    EXPECT_EQ(d.claim(dock, on(), "stage"), CueOutcome::applied());
+
+    // Driven again: the entry stays, applied, with the new value.
+    d.claim(alerts, num(0.3), "stage");
+    sys->foreign = {EffectKind::alertVolume};
+    EXPECT_EQ(d.claim(alerts, num(0), "switch.muteAlerts"), unexpected);
+    EXPECT_EQ(d.entry(alerts)->state, EntryState::applied);
+    EXPECT_EQ(JournalStore(journal).load().size(), 2u);
+
+    // Letting go removes the entry whatever the undo threw, and the rest still comes down.
+    sys->foreign.clear();
+    d.claim(keepAwake, on(), "stage");
+    sys->foreign = {EffectKind::dockAutohide, EffectKind::keepAwake};
+    const auto strike = d.releaseAll("stage");
+    EXPECT_EQ(outcomes(strike), (std::vector{Case::failed, Case::stillHeld, Case::failed}));
+    EXPECT_EQ(strike.front().outcome, unexpected);
+    EXPECT_EQ(d.keys("switch.muteAlerts"), std::vector{alerts});
+    EXPECT_EQ(d.entries().size(), 1u);
+    d.release(alerts, "switch.muteAlerts");
+    EXPECT_FALSE(d.hasOutstanding());
+    EXPECT_FALSE(std::filesystem::exists(journal));
+
+    // The one-shot action says the same in its note.
+    SwitchBoard board(director, StageSettings{}, ManualClock::reading(clock));
+    board.turnOn(SwitchKind::screenSaver);
+    EXPECT_EQ(board.notes().at(SwitchKind::screenSaver), "unexpected error");
 }
 
 TEST(Director, UnavailableEffectsAreSkippedButAJoiningOwnerStaysOnRecord) {

@@ -1,16 +1,31 @@
 #import "SharedStore.hpp"
 
+#import "../menubar/MenuBarTidy.hpp"
 #import "../menubar/StatusController.hpp"
+#import "../scenery/Scenery.hpp"
 #import "../system/MacSystem.hpp"
+#import "AppPaths.hpp"
+#import "Harness.hpp"
 #import "MacStagePlatform.hpp"
 
 #import <AppKit/AppKit.h>
 
 namespace scrimlet::mac {
 
+namespace {
+
+std::shared_ptr<StageSystem> makeSystem(std::function<StageSettings()> settings) {
+    return makeRealStageSystem({std::move(settings),
+                                [] { return Harness::isTestRun(); },
+                                AppPaths::support() / "mic-levels.json",
+                                {Scenery::isOn, Scenery::set, MenuBarTidy::isInstalled}});
+}
+
+} // namespace
+
 StageStore &sharedStore() {
     static const std::shared_ptr<StageStore> store =
-        StageStore::makeShared(makeMacStagePlatform(), makeRealStageSystem);
+        StageStore::makeShared(makeMacStagePlatform(), makeSystem);
     return *store;
 }
 
