@@ -7,6 +7,9 @@
 #include "SelfTest.hpp"
 #include "TerminationSignals.hpp"
 #include "WindowsCommand.hpp"
+#ifdef SCRIMLET_WITH_ART
+#include "ArtCommand.hpp"
+#endif
 
 #include <cmath>
 #include <limits>
@@ -63,6 +66,12 @@ void usage(std::ostream& out, const Harness::Environment& environment) {
            "        Judges saved window lists again, on any machine: each rule's finding, and\n"
            "        the lists replayed one a second through the watcher. --windows lists each\n"
            "        one's displays and windows too; --json is for tools.\n"
+#ifdef SCRIMLET_WITH_ART
+           "  art DIR\n"
+           "        Draws every picture Scrimlet shows (menu bar glyphs, the curtain, each\n"
+           "        backdrop, the spotlight, the countdown, the keyboard lock, the desktop\n"
+           "        cover) in the light and the dark appearance, as PNG files in DIR.\n"
+#endif
            "  help   This text. --version prints the version.\n";
 }
 
@@ -257,6 +266,19 @@ int run(const std::vector<std::string>& arguments, const Harness::Environment& e
                       : WindowsCommand::run(options->values, options->flags.count("--watch") > 0,
                                             environment, liveWindows, out, err);
     }
+#ifdef SCRIMLET_WITH_ART
+    if (command == "art") {
+        int status = 0;
+        const auto options = parse(arguments, {}, {}, anyNumber, environment, out, err, status);
+        if (!options) {
+            return status;
+        }
+        if (options->operands.size() != 1 || options->operands.front().empty()) {
+            return misuse(err, "art needs exactly one folder: scrimlet art DIR");
+        }
+        return ArtCommand::run(options->operands.front(), out, err);
+    }
+#endif
     return misuse(err, "unknown command '" + command + "'");
 }
 

@@ -35,12 +35,14 @@ struct LinearGradient {
 };
 
 /// Circles around one centre, from `startRadius` (the first stop) to `endRadius` (the last).
+/// A `verticalScale` other than 1 squeezes the circles into ellipses as wide as the radius.
 struct RadialGradient {
     Point center;
     double startRadius = 0;
     double endRadius = 0;
     std::vector<GradientStop> stops;
     GradientExtend extend = GradientExtend::pad;
+    double verticalScale = 1;
     friend bool operator==(const RadialGradient&, const RadialGradient&) = default;
 };
 
@@ -97,7 +99,8 @@ struct TextOp {
 };
 
 /// A system symbol by name, centred in `frame`. Where the platform has no such symbols, the
-/// `fallback` outline (in the drawing's coordinates) is filled in the colour instead.
+/// `fallback` outline (in the drawing's coordinates) is filled in the colour instead, by the
+/// even-odd rule, so that it can hold holes.
 struct SymbolOp {
     std::string name;
     double pointSize = 13;
@@ -130,6 +133,15 @@ struct BeginGroupOp {
 };
 struct EndGroupOp {
     friend bool operator==(const EndGroupOp&, const EndGroupOp&) = default;
+};
+
+/// A picture the platform could read: its name, as an `ImageOp` gives it, and its size in
+/// points. Layouts that fit a picture take one of these, so that a picture that cannot be
+/// read never reaches them.
+struct ImageRef {
+    std::string name;
+    Size size;
+    friend bool operator==(const ImageRef&, const ImageRef&) = default;
 };
 
 using DrawOp = std::variant<FillOp, StrokeOp, ImageOp, TextOp, SymbolOp, SaveOp, ClipOp, RestoreOp,
