@@ -1,6 +1,7 @@
 #import "Look.h"
 
 #import "../common/Text.h"
+#import "DrawingView.h"
 
 namespace scrimlet::mac {
 
@@ -30,13 +31,6 @@ NSFontWeight nsWeight(FontWeight weight) {
     return NSFontWeightRegular;
 }
 
-/// The light or dark look of an appearance, by its best match among aqua and dark aqua.
-Appearance lookOf(NSAppearance *appearance) {
-    NSAppearanceName best = [appearance
-        bestMatchFromAppearancesWithNames:@[ NSAppearanceNameAqua, NSAppearanceNameDarkAqua ]];
-    return appearanceFromBestMatch(best ? toString(best) : std::string());
-}
-
 } // namespace
 
 NSString *nsString(std::string_view text) { return toNSString(text); }
@@ -53,7 +47,7 @@ NSColor *nsColor(const AdaptiveColor &color) {
     NSColor *dark = nsColor(color.dark);
     return [NSColor colorWithName:nil
                   dynamicProvider:^NSColor *(NSAppearance *appearance) {
-                      return lookOf(appearance) == Appearance::dark ? dark : light;
+                      return appearanceOf(appearance) == Appearance::dark ? dark : light;
                   }];
 }
 

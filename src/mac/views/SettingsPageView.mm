@@ -1,10 +1,14 @@
 #import "SettingsPageView.h"
 
 #import "../common/Text.h"
+#import "../scenery/Wallpaper.h"
 #import "Controls.h"
+#import "DrawingView.h"
 #import "HotkeyFieldView.h"
 #import "Interface.hpp"
 #import "Look.h"
+
+#include "BackdropView.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -61,6 +65,9 @@ NSView *fixedWidth(NSView *view, CGFloat width) {
     NSMutableArray<NSTextField *> *_fields;
     NSMutableArray<NSColorWell *> *_wells;
     NSMutableArray<ScrimletHotkeyField *> *_hotkeys;
+    /// The main screen's wallpaper, blurred once for the backdrop's preview.
+    NSImage *_wallpaper;
+    BOOL _wallpaperRead;
 }
 
 - (instancetype)initWithStore:(std::weak_ptr<StageStore>)store width:(CGFloat)width {
@@ -499,8 +506,14 @@ NSView *fixedWidth(NSView *view, CGFloat width) {
         if (part.text) {
             return singleLineLabel({*part.text, Theme::Typo::smallStrong, part.color});
         }
-        // The program's own glyph stands in as the theatre masks it is known by.
-        return symbolView(part.symbol ? *part.symbol : "theatermasks.fill", 13, part.color);
+        if (part.glyph || !part.symbol) {
+            // The program's own glyph, as the menu bar shows it while the house is open.
+            NSImageView *glyph = [NSImageView imageViewWithImage:menuGlyphImage(false, false)];
+            glyph.contentTintColor = nsColor(part.color);
+            glyph.translatesAutoresizingMaskIntoConstraints = NO;
+            return glyph;
+        }
+        return symbolView(*part.symbol, 13, part.color);
     };
     NSMutableArray<NSView *> *hidden = [NSMutableArray array];
     for (const auto &part : diagram.hidden) {
@@ -539,16 +552,19 @@ NSView *fixedWidth(NSView *view, CGFloat width) {
 - (NSView *)palettes:(const PaletteGrid &)grid {
     NSMutableArray<NSView *> *swatches = [NSMutableArray array];
     for (const PaletteGrid::Swatch &swatch : grid.swatches) {
-        NSMutableArray<NSView *> *bands = [NSMutableArray array];
-        for (const std::uint32_t color : swatch.colors) {
-            ScrimletBox *band = [[ScrimletBox alloc] initWithFrame:NSZeroRect];
-            band.fill = nsColor(Color::hex(color));
-            band.border = nil;
-            [bands addObject:band];
-        }
-        NSStackView *strip = stack(NSUserInterfaceLayoutOrientationHorizontal, 0, bands);
-        strip.distribution = NSStackViewDistributionFillEqually;
-        ScrimletBox *frame = [ScrimletBox boxAround:strip insets:NSEdgeInsetsMake(3, 3, 3, 3)];
+        BackdropStyle style;
+        style.colors = swatch.colors;
+        const MeshBackdrop mesh{BackdropView::colors(style)};
+        SCDrawingView *picture = [[SCDrawingView alloc] initWithFrame:NSZeroRect];
+        picture.maker = [mesh](scrimlet::Size size, Appearance) {
+            Canvas canvas(size);
+            canvas.save();
+            canvas.clip(Path::roundedRect(canvas.bounds(), Theme::Radius::chip));
+            mesh.draw(canvas, canvas.bounds());
+            canvas.restore();
+            return canvas.finish();
+        };
+        ScrimletBox *frame = [ScrimletBox boxAround:picture insets:NSEdgeInsetsMake(3, 3, 3, 3)];
         frame.cornerRadius = Theme::Radius::tile;
         frame.border = swatch.chosen ? nsColor(Theme::light) : nsColor(Theme::rule);
         frame.borderWidth = swatch.chosen ? 2 : 1;
@@ -646,28 +662,48 @@ NSView *fixedWidth(NSView *view, CGFloat width) {
     return stack(NSUserInterfaceLayoutOrientationVertical, Theme::Space::s, parts);
 }
 
-- (NSView *)preview:(const BackdropPreviewBlock &)preview {
-    // The miniature shows the style's colours across a screen with a window on it.
-    NSMutableArray<NSView *> *bands = [NSMutableArray array];
-    for (const std::uint32_t color : preview.style.colors) {
-        ScrimletBox *band = [[ScrimletBox alloc] initWithFrame:NSZeroRect];
-        band.fill = nsColor(Color::hex(color));
-        band.border = nil;
-        [bands addObject:band];
+/// The main screen's wallpaper, blurred as the preview wants it, read once for the page.
+- (nullable NSImage *)wallpaper {
+    if (!_wallpaperRead) {
+        _wallpaperRead = YES;
+        NSImage *image = Wallpaper::imageFor(NSScreen.mainScreen);
+        _wallpaper = image ? Wallpaper::blurred(image, 30, 700) : nil;
     }
-    NSStackView *screen = stack(NSUserInterfaceLayoutOrientationHorizontal, 0, bands);
-    screen.distribution = NSStackViewDistributionFillEqually;
-    ScrimletBox *frame = [ScrimletBox boxAround:screen insets:NSEdgeInsetsMake(1, 1, 1, 1)];
-    frame.cornerRadius = Theme::Radius::card;
-    frame.border = nsColor(Theme::rule);
+    return _wallpaper;
+}
+
+- (NSView *)preview:(const BackdropPreviewBlock &)preview {
+    BackdropPreview miniature{preview.style, std::nullopt, std::nullopt};
+    NSMutableDictionary<NSString *, NSImage *> *images = [NSMutableDictionary dictionary];
+    if (preview.style.kind == BackdropStyle::Kind::wallpaper) {
+        if (NSImage *wallpaper = [self wallpaper]) {
+            images[@"wallpaper"] = wallpaper;
+            miniature.wallpaper =
+                ImageRef{"wallpaper", {wallpaper.size.width, wallpaper.size.height}};
+        }
+    }
+    if (preview.style.kind == BackdropStyle::Kind::picture && preview.style.picturePath) {
+        NSString *path = nsString(*preview.style.picturePath);
+        if (NSImage *picture = [[NSImage alloc] initWithContentsOfFile:path]) {
+            images[path] = picture;
+            miniature.picture =
+                ImageRef{*preview.style.picturePath, {picture.size.width, picture.size.height}};
+        }
+    }
+    SCDrawingView *view = [[SCDrawingView alloc] initWithFrame:NSZeroRect];
+    view.images = images;
+    view.maker = [miniature](scrimlet::Size size, Appearance appearance) {
+        return miniature.drawing(size, appearance);
+    };
+    view.translatesAutoresizingMaskIntoConstraints = NO;
     [NSLayoutConstraint activateConstraints:@[
-        [frame.widthAnchor constraintEqualToConstant:[self inner]],
-        [frame.heightAnchor constraintEqualToConstant:220],
+        [view.widthAnchor constraintEqualToConstant:[self inner]],
+        [view.heightAnchor constraintEqualToConstant:220],
     ]];
-    frame.accessibilityElement = YES;
-    frame.accessibilityRole = NSAccessibilityImageRole;
-    frame.accessibilityLabel = nsString(preview.accessibilityLabel);
-    return frame;
+    view.accessibilityElement = YES;
+    view.accessibilityRole = NSAccessibilityImageRole;
+    view.accessibilityLabel = nsString(preview.accessibilityLabel);
+    return view;
 }
 
 - (NSView *)kinds:(const KindPicker &)picker {

@@ -1,21 +1,23 @@
 #import "StageHeaderView.h"
 
 #import "Controls.h"
+#import "DrawingView.h"
 #import "Look.h"
 
 #include "ControlLooks.hpp"
+#include "Curtain.hpp"
+
+#include <algorithm>
+#include <memory>
 
 using namespace scrimlet;
 using namespace scrimlet::mac;
 
 namespace {
 
-// The valance hangs 46 points over the top of the stage: what is written on the curtain or
-// stands on the stage is centred in the room below it.
-constexpr CGFloat valanceHeight = 46;
-// Below this the curtain still hides the stage; above that it shows it.
-constexpr double frontUntil = 0.05;
-constexpr double stageFrom = 0.3;
+// The valance hangs over the top of the stage: what is written on the curtain or stands on
+// the stage is centred in the room below it.
+constexpr CGFloat valanceHeight = Valance::height;
 
 NSView *lineView(const HeaderLine &line) {
     NSTextField *text = singleLineLabel(line.text);
@@ -38,12 +40,15 @@ NSView *lineView(const HeaderLine &line) {
 
 @implementation ScrimletStageHeaderView {
     std::optional<StageHeaderModel> _model;
-    ScrimletBox *_curtain;
+    SCDrawingView *_curtain;
+    /// What the curtain draws at this moment of its motion.
+    std::shared_ptr<Proscenium> _scene;
     NSStackView *_front;
     NSStackView *_stage;
-    double _open;
-    double _from;
-    double _to;
+    double _fromOpen;
+    double _toOpen;
+    double _fromLit;
+    double _toLit;
     NSTimeInterval _start;
     Animation _motion;
     NSTimer *_timer;
@@ -54,11 +59,14 @@ NSView *lineView(const HeaderLine &line) {
         self.translatesAutoresizingMaskIntoConstraints = NO;
         [self.widthAnchor constraintEqualToConstant:width].active = YES;
         [self.heightAnchor constraintEqualToConstant:StageHeaderModel{}.height].active = YES;
-        _curtain = [[ScrimletBox alloc] initWithFrame:NSZeroRect];
+        _scene = std::make_shared<Proscenium>();
+        _curtain = [[SCDrawingView alloc] initWithFrame:NSZeroRect];
         _curtain.translatesAutoresizingMaskIntoConstraints = NO;
-        _curtain.cornerRadius = Theme::Radius::card;
-        _curtain.fill = nsColor(Theme::stageBlack);
-        _curtain.border = nsColor(faded(Theme::ruleStrong, 0.35));
+        std::shared_ptr<const Proscenium> scene = _scene;
+        _curtain.maker = [scene](scrimlet::Size size, Appearance appearance) {
+            return scene->drawing(size.width, appearance);
+        };
+        _curtain.accessibilityElement = NO;
         [self addSubview:_curtain];
         _front = [self face];
         _stage = [self face];
@@ -105,7 +113,7 @@ NSView *lineView(const HeaderLine &line) {
         return;
     }
     const bool first = !_model;
-    const bool moved = !first && _model->open != model.open;
+    const bool moved = !first && (_model->open != model.open || _model->lit != model.lit);
     if (!_model || _model->lines != model.lines || _model->face != model.face) {
         const bool front = model.face == StageHeaderModel::Face::offCurtain;
         [self fill:front ? _front : _stage with:model.lines];
@@ -114,22 +122,25 @@ NSView *lineView(const HeaderLine &line) {
         }
     }
     self.accessibilityLabel = nsString(model.accessibilityText);
+    _scene->height = model.height;
     _model = model;
     const std::optional<Animation> motion = Motion::forCurtain(reduceMotion());
     if (moved && motion) {
-        [self animateTo:model.open with:*motion];
+        [self animateTo:model with:*motion];
     } else {
         [_timer invalidate];
         _timer = nil;
-        [self showOpen:model.open];
+        [self showOpen:model.open lit:model.lit];
     }
 }
 
-- (void)animateTo:(double)open with:(const Animation &)motion {
+- (void)animateTo:(const StageHeaderModel &)model with:(const Animation &)motion {
     [_timer invalidate];
     _motion = motion;
-    _from = _open;
-    _to = open;
+    _fromOpen = _scene->open;
+    _toOpen = model.open;
+    _fromLit = _scene->lit;
+    _toLit = model.lit;
     _start = NSProcessInfo.processInfo.systemUptime;
     __weak ScrimletStageHeaderView *weakSelf = self;
     _timer = [NSTimer timerWithTimeInterval:1.0 / 60
@@ -145,18 +156,21 @@ NSView *lineView(const HeaderLine &line) {
     if (elapsed >= motionDuration(_motion)) {
         [_timer invalidate];
         _timer = nil;
-        [self showOpen:_to];
+        [self showOpen:_toOpen lit:_toLit];
         return;
     }
-    [self showOpen:_from + (_to - _from) * motionProgress(_motion, elapsed)];
+    const double progress = motionProgress(_motion, elapsed);
+    [self showOpen:_fromOpen + (_toOpen - _fromOpen) * progress
+               lit:std::clamp(_fromLit + (_toLit - _fromLit) * progress, 0.0, 1.0)];
 }
 
 /// The curtain `open` of the way drawn back: the sign on it shows only while it is closed,
 /// the stage only once it has parted.
-- (void)showOpen:(double)open {
-    _open = open;
-    _front.hidden = !(open < frontUntil);
-    _stage.hidden = !(open > stageFrom);
+- (void)showOpen:(double)open lit:(double)lit {
+    _scene->open = open;
+    _scene->lit = lit;
+    _front.hidden = !_scene->showsFront();
+    _stage.hidden = !_scene->showsStage();
     _curtain.needsDisplay = YES;
 }
 
