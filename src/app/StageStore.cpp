@@ -2,6 +2,7 @@
 
 #include "AppPaths.hpp"
 #include "AsciiCase.hpp"
+#include "AtomicFile.hpp"
 #include "CaptureRules.hpp"
 #include "Harness.hpp"
 #include "RunSheetFile.hpp"
@@ -173,6 +174,13 @@ void StageStore::startLive() {
 }
 
 void StageStore::recoverAtLaunch() {
+    // A save cut short by a kill leaves its temporary file beside the real one; nothing
+    // else would ever remove it.
+    for (const auto& file : {director_->store().url(), settingsURL_, sheetsURL_}) {
+        if (file) {
+            files::removeLeftovers(*file);
+        }
+    }
     if (auto sheet = show_->recoverAtLaunch()) {
         recovered = std::move(sheet);
         saveSheets();

@@ -117,8 +117,9 @@ public:
     // Operations.
     /// Live mode only: starts everything the running app needs, in order.
     void startLive();
-    /// What every launch does first, before anything else touches the director: puts back
-    /// what a crashed show left on the Mac and files its sheet as `recovered`.
+    /// What every launch does first, before anything else touches the director: removes
+    /// what saves cut short by a kill left behind, puts back what a crashed show left on
+    /// the Mac and files its sheet as `recovered`.
     void recoverAtLaunch();
     /// Once a second.
     void tick();

@@ -4,6 +4,7 @@
 #include "DemoDay.hpp"
 #include "DetectCommand.hpp"
 #include "Listings.hpp"
+#include "Rehearsal.hpp"
 #include "SelfTest.hpp"
 #include "TerminationSignals.hpp"
 #include "WindowsCommand.hpp"
@@ -56,6 +57,20 @@ void usage(std::ostream& out, const Harness::Environment& environment) {
            "        FILE is "
         << (support / "journal.json").string()
         << " by default.\n"
+           "        Both listings read FILE as Scrimlet does: a missing or damaged file counts\n"
+           "        as empty, and they say so. Exit status 1 when FILE cannot be read at all:\n"
+           "        a folder, a pipe or a device, larger than 10 MB, or refused by the system.\n"
+           "  rehearse --dir DIR [--hold SECONDS] [--step SECONDS] [--launch-only]\n"
+           "        Proves that a kill in mid-show is healed at the next launch. Each run is one\n"
+           "        launch of Scrimlet on a simulated Mac whose lasting state is DIR/mac.json,\n"
+           "        with the real journal and run sheets in DIR: it puts back what a killed\n"
+           "        run left, then raises the curtain with the full plan, holds it and drops\n"
+           "        it. Kill it with SIGKILL at any moment, run it again, and DIR shows the\n"
+           "        Mac as it was before the show, no journal, and a run sheet that says so.\n"
+           "        --hold SECONDS  how long the curtain stays up (1 by default).\n"
+           "        --step SECONDS  a pause before and after each change to the Mac, so that\n"
+           "                        a kill can land between any two steps (0 by default).\n"
+           "        --launch-only   launch, heal and quit, without a show.\n"
            "  windows [--save FILE] [--label TEXT] [--watch]\n"
            "        On a Mac: the live window list as capture detection sees it, the verdict\n"
            "        and why each rule matched or not. --save FILE keeps the list for a report,\n"
@@ -209,7 +224,7 @@ int listing(const std::vector<std::string>& arguments, const Harness::Environmen
         file = given->second;
     }
     return sheets ? Listings::sheets(file, options->flags.count("--json") > 0, out, err)
-                  : Listings::journal(file, out);
+                  : Listings::journal(file, out, err);
 }
 
 } // namespace
@@ -248,6 +263,12 @@ int run(const std::vector<std::string>& arguments, const Harness::Environment& e
     }
     if (command == "sheets" || command == "journal") {
         return listing(arguments, environment, out, err);
+    }
+    if (command == "rehearse") {
+        int status = 0;
+        const auto options = parse(arguments, {"--dir", "--hold", "--step"}, {"--launch-only"}, 0,
+                                   environment, out, err, status);
+        return options ? Rehearsal::command(options->values, options->flags, out, err) : status;
     }
     if (command == "detect" || command == "windows") {
         const bool detect = command == "detect";

@@ -1,54 +1,17 @@
 #include "InputFile.hpp"
 
 #include <cerrno>
-#include <cstdint>
 #include <cstdio>
-#include <cstring>
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace scrimlet::InputFile {
 
 namespace {
 
-class Descriptor {
-public:
-    explicit Descriptor(int fd)
-        : fd_(fd) {}
-    ~Descriptor() {
-        if (fd_ >= 0) {
-            ::close(fd_);
-        }
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    int get() const { return fd_; }
-
-private:
-    int fd_;
-};
-
-Result failed(std::string problem) {
-    return Result{std::nullopt, std::move(problem)};
-}
-
-std::string becauseOf(int error) {
-    switch (error) {
-    case ENOENT:
-        return "does not exist";
-    case EACCES:
-    case EPERM:
+std::string becauseOf(const std::error_code& error) {
+    if (error == std::errc::permission_denied || error == std::errc::operation_not_permitted) {
         return "could not be read: permission denied";
-    case ENOTDIR:
-        return "does not exist (a part of its path is not a folder)";
-    default:
-        return std::string("could not be read: ") + std::strerror(error);
     }
-}
-
-std::string tooLarge(std::size_t found, std::size_t maxBytes) {
-    return "is " + byteCount(found) + ", too large to read (at most " + byteCount(maxBytes) + ")";
+    return "could not be read: " + error.message();
 }
 
 } // namespace
@@ -68,44 +31,34 @@ std::string byteCount(std::size_t bytes) {
 }
 
 Result read(const std::filesystem::path& path, std::size_t maxBytes) {
-    // O_NONBLOCK: opening a FIFO that no one writes to would otherwise wait forever.
-    Descriptor fd(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
-    if (fd.get() < 0) {
-        return failed(becauseOf(errno));
+    auto reading = files::readChecked(path, maxBytes);
+    Result result;
+    if (reading.text) {
+        result.text = std::move(reading.text);
+        return result;
     }
-    struct stat info = {};
-    if (::fstat(fd.get(), &info) != 0) {
-        return failed(becauseOf(errno));
+    switch (reading.refusal.value_or(files::Refusal::unreadable)) {
+    case files::Refusal::missing:
+        result.missing = true;
+        result.problem = reading.error == std::errc::not_a_directory
+                             ? "does not exist (a part of its path is not a folder)"
+                             : "does not exist";
+        break;
+    case files::Refusal::folder:
+        result.problem = "is a folder, not a file";
+        break;
+    case files::Refusal::notRegular:
+        result.problem = "is not a regular file (a pipe, a device or a socket)";
+        break;
+    case files::Refusal::tooLarge:
+        result.problem = "is " + byteCount(static_cast<std::size_t>(reading.size)) +
+                         ", too large to read (at most " + byteCount(maxBytes) + ")";
+        break;
+    case files::Refusal::unreadable:
+        result.problem = becauseOf(reading.error);
+        break;
     }
-    if (S_ISDIR(info.st_mode)) {
-        return failed("is a folder, not a file");
-    }
-    if (!S_ISREG(info.st_mode)) {
-        return failed("is not a regular file (a pipe, a device or a socket)");
-    }
-    if (info.st_size > 0 && static_cast<std::uintmax_t>(info.st_size) > maxBytes) {
-        return failed(tooLarge(static_cast<std::size_t>(info.st_size), maxBytes));
-    }
-    // The size can change while we read, so the limit is kept while reading too.
-    std::string text;
-    char buffer[65536];
-    for (;;) {
-        const ssize_t got = ::read(fd.get(), buffer, sizeof buffer);
-        if (got < 0) {
-            if (errno == EINTR) {
-                continue;
-            }
-            return failed(becauseOf(errno));
-        }
-        if (got == 0) {
-            break;
-        }
-        text.append(buffer, static_cast<std::size_t>(got));
-        if (text.size() > maxBytes) {
-            return failed(tooLarge(text.size(), maxBytes));
-        }
-    }
-    return Result{std::move(text), ""};
+    return result;
 }
 
 } // namespace scrimlet::InputFile

@@ -1,5 +1,6 @@
 #include "Date.hpp"
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <cstdio>
@@ -51,6 +52,11 @@ bool digits(std::string_view text, size_t at, size_t count, int& out) {
     return true;
 }
 
+// The files write four-digit years, so these are the first and last whole seconds a file
+// can hold: 0000-01-01T00:00:00Z and 9999-12-31T23:59:59Z.
+constexpr long long earliestWritable = -62167219200;
+constexpr long long latestWritable = 253402300799;
+
 } // namespace
 
 Date Date::now() {
@@ -59,7 +65,13 @@ Date Date::now() {
 }
 
 std::string Date::iso8601() const {
-    const auto whole = static_cast<long long>(std::floor(seconds));
+    // Out of range, or not a number at all: the nearest date a reader takes back, so that one
+    // odd date never costs the whole file it lies in.
+    const double bounded =
+        std::isnan(seconds) ? static_cast<double>(earliestWritable)
+                            : std::clamp(std::floor(seconds), static_cast<double>(earliestWritable),
+                                         static_cast<double>(latestWritable));
+    const auto whole = static_cast<long long>(bounded);
     long long days = whole / 86400;
     long long rest = whole % 86400;
     if (rest < 0) {
@@ -119,6 +131,10 @@ std::optional<Date> Date::parseIso8601(std::string_view text) {
     const long long days =
         daysFromCivil(year, static_cast<unsigned>(month), static_cast<unsigned>(day));
     const long long whole = days * 86400 + hour * 3600 + minute * 60 + second - offset;
+    // An offset or a leap second can carry a date past the years the writer has digits for.
+    if (whole < earliestWritable || whole > latestWritable) {
+        return std::nullopt;
+    }
     return Date{static_cast<double>(whole) + fraction};
 }
 

@@ -22,10 +22,13 @@ struct Date {
     double operator-(Date other) const { return seconds - other.seconds; }
     friend auto operator<=>(Date, Date) = default;
 
-    /// ISO 8601 in UTC with whole seconds ("2026-01-02T10:00:00Z"); fractions are cut off.
+    /// ISO 8601 in UTC with whole seconds ("2026-01-02T10:00:00Z"); fractions are cut off. A
+    /// date before the year 0000 or after 9999 (or not a number) is written as the nearest
+    /// one inside them, so that whatever is written reads back.
     std::string iso8601() const;
     /// Reads "YYYY-MM-DDTHH:MM:SS" followed by "Z" or "+hh:mm"/"-hh:mm", optionally with a
-    /// fraction of a second. Anything else yields nothing.
+    /// fraction of a second. Anything else yields nothing, and so does a date that falls
+    /// outside the years 0000 to 9999 in UTC, which `iso8601` could not write back.
     static std::optional<Date> parseIso8601(std::string_view text);
 };
 

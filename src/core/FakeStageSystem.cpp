@@ -1,5 +1,8 @@
 #include "FakeStageSystem.hpp"
 
+#include "AtomicFile.hpp"
+#include "JsonCoding.hpp"
+
 #include <algorithm>
 #include <charconv>
 
@@ -164,6 +167,7 @@ std::optional<JournalValue> FakeStageSystem::write(const EffectKey& key,
         values.insert_or_assign(key, value);
         break;
     }
+    savePersistentState();
     writeLog_.push_back(key.description() + " = " + value.description());
 
     if (crash_ && *crash_ == CrashPoint::afterWrite(n)) {
@@ -236,6 +240,7 @@ void FakeStageSystem::processDied() {
             value = JournalValue::boolean(false);
         }
     }
+    savePersistentState();
 }
 
 void FakeStageSystem::userSet(const EffectKey& key, const JournalValue& value) {
@@ -261,6 +266,7 @@ void FakeStageSystem::userSet(const EffectKey& key, const JournalValue& value) {
         values.insert_or_assign(key, value);
         break;
     }
+    savePersistentState();
 }
 
 std::optional<AppInfo> FakeStageSystem::app(const std::string& bundleID) const {
@@ -286,6 +292,91 @@ std::map<std::string, std::string> FakeStageSystem::state(bool persistentOnly) c
     }
     out["dnd"] = dnd ? "on" : "off";
     return out;
+}
+
+void FakeStageSystem::keepPersistentState(std::filesystem::path file) {
+    // Like the program's own files: a save cut short by a kill leaves its temporary file.
+    files::removeLeftovers(file);
+    if (const auto text = files::read(file)) {
+        takePersistentState(*text);
+    }
+    stateFile_ = std::move(file);
+}
+
+void FakeStageSystem::takePersistentState(std::string_view text) noexcept {
+    try {
+        const auto document = json::parse(text);
+        if (!document || !document->is_object()) {
+            return;
+        }
+        // Each part on its own: one that cannot be read costs nothing of the others.
+        const auto each = [&](std::string_view key, const auto& take) {
+            const json::Json* list = json::optionalField(*document, key);
+            if (!list || !list->is_array()) {
+                return;
+            }
+            for (const json::Json& item : *list) {
+                try {
+                    take(item);
+                } catch (const std::exception&) {
+                    // Passed over; the simulated Mac keeps what it had.
+                }
+            }
+        };
+        each("values", [&](const json::Json& item) {
+            const EffectKey key = effectKeyFromJson(json::field(item, "key"));
+            const JournalValue value = journalValueFromJson(json::field(item, "value"));
+            if (outlivesApp(key.kind)) {
+                values.insert_or_assign(key, value);
+            }
+        });
+        each("apps", [&](const json::Json& item) {
+            const AppInfo saved = appInfoFromJson(item);
+            for (AppInfo& app : apps) {
+                if (app.bundleID == saved.bundleID && app.pid == saved.pid) {
+                    app.isHidden = saved.isHidden;
+                }
+            }
+        });
+        if (const json::Json* saved = json::optionalField(*document, "dnd");
+            saved && saved->is_boolean()) {
+            dnd = saved->get<bool>();
+        }
+    } catch (...) {
+        // Whatever was taken before the fault stands; the rest stays as it was.
+    }
+}
+
+std::string FakeStageSystem::persistentStateText() const {
+    json::Json list = json::Json::array();
+    for (const auto& [key, value] : values) {
+        if (!diesWithProcess(key.kind)) {
+            json::Json item = json::Json::object();
+            item["key"] = toJson(key);
+            item["value"] = toJson(value);
+            list.push_back(std::move(item));
+        }
+    }
+    json::Json running = json::Json::array();
+    for (const auto& app : apps) {
+        running.push_back(toJson(app));
+    }
+    json::Json document = json::Json::object();
+    document["values"] = std::move(list);
+    document["apps"] = std::move(running);
+    document["dnd"] = dnd;
+    return json::sortedText(document);
+}
+
+void FakeStageSystem::savePersistentState() const noexcept {
+    if (!stateFile_) {
+        return;
+    }
+    try {
+        files::writeAtomically(*stateFile_, persistentStateText());
+    } catch (...) {
+        // As on a real Mac, the change stands; only its copy on disk is missing.
+    }
 }
 
 const std::vector<AppInfo>& demoApps() {

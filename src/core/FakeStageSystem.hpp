@@ -4,12 +4,14 @@
 
 #include <cstdint>
 #include <exception>
+#include <filesystem>
 #include <functional>
 #include <map>
 #include <memory>
 #include <optional>
 #include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace scrimlet {
@@ -92,10 +94,28 @@ public:
     /// `persistentOnly`, the effects that die with the process are left out.
     std::map<std::string, std::string> state(bool persistentOnly) const;
 
+    /// From now on the state that would outlive the process on a real Mac (what
+    /// `state(true)` shows: the lasting effects, which apps are hidden, Do Not Disturb) lives
+    /// in `file` as well, so that a simulated Mac survives a process that is killed: what the
+    /// file holds now is taken first (and what killed saves left beside it is removed), and
+    /// every change made through `write`, `userSet` or `processDied` is written there
+    /// atomically before the call returns.
+    void keepPersistentState(std::filesystem::path file);
+    /// Takes the lasting state from a state file's text, field by field and as far as it can
+    /// be read: what cannot be read stays as it is, effects that die with the process and
+    /// apps that are not running are passed over. Never throws.
+    void takePersistentState(std::string_view text) noexcept;
+    /// The text `keepPersistentState` writes: pretty-printed JSON with sorted keys.
+    std::string persistentStateText() const;
+    const std::optional<std::filesystem::path>& stateFile() const { return stateFile_; }
+
 private:
     AppInfo* findApp(const EffectKey& key);
     bool isConnectedDisplay(const std::string& target) const;
 
+    void savePersistentState() const noexcept;
+
+    std::optional<std::filesystem::path> stateFile_;
     std::vector<std::string> writeLog_;
     int writeCount_ = 0;
     int screenSaverStarts_ = 0;

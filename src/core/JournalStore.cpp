@@ -15,14 +15,15 @@ std::vector<JournalEntry> JournalStore::load() const {
         return memory_;
     }
     const auto text = files::read(*url_);
-    if (!text) {
-        return {};
-    }
-    const auto document = json::parse(*text);
-    if (!document) {
-        return {};
-    }
+    return text ? decode(*text) : std::vector<JournalEntry>();
+}
+
+std::vector<JournalEntry> JournalStore::decode(std::string_view text) noexcept {
     try {
+        const auto document = json::parse(text);
+        if (!document) {
+            return {};
+        }
         // The version must be a whole number, but a newer one is no obstacle.
         json::decodeInteger(json::field(*document, "version"));
         const Json& list = json::field(*document, "entries");
@@ -35,7 +36,7 @@ std::vector<JournalEntry> JournalStore::load() const {
             entries.push_back(journalEntryFromJson(item));
         }
         return entries;
-    } catch (const std::exception&) {
+    } catch (...) {
         return {};
     }
 }
@@ -54,17 +55,21 @@ void JournalStore::save(const std::vector<JournalEntry>& entries) {
         return;
     }
     try {
-        Json document = Json::object();
-        document["version"] = 1;
-        Json list = Json::array();
-        for (const auto& entry : entries) {
-            list.push_back(toJson(entry));
-        }
-        document["entries"] = std::move(list);
-        files::writeAtomically(*url_, json::sortedText(document));
+        files::writeAtomically(*url_, encode(entries));
     } catch (const std::exception&) {
         // Nothing to do: the director's list in memory stays the truth.
     }
+}
+
+std::string JournalStore::encode(const std::vector<JournalEntry>& entries) {
+    Json document = Json::object();
+    document["version"] = 1;
+    Json list = Json::array();
+    for (const auto& entry : entries) {
+        list.push_back(toJson(entry));
+    }
+    document["entries"] = std::move(list);
+    return json::sortedText(document);
 }
 
 bool JournalStore::existsOnDisk() const {

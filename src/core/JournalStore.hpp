@@ -4,6 +4,8 @@
 
 #include <filesystem>
 #include <optional>
+#include <string>
+#include <string_view>
 #include <vector>
 
 namespace scrimlet {
@@ -18,6 +20,12 @@ public:
 
     /// What the file holds; an empty list for anything that cannot be read.
     std::vector<JournalEntry> load() const;
+    /// The entries of a journal file's text, read as `load` reads the file: an empty list
+    /// for anything that is not a whole journal. Never throws.
+    static std::vector<JournalEntry> decode(std::string_view text) noexcept;
+    /// The text `save` writes for `entries`: pretty-printed JSON with sorted keys. Throws
+    /// only what the JSON library throws when memory runs out.
+    static std::string encode(const std::vector<JournalEntry>& entries);
     /// Replaces the whole journal. An empty list deletes the file.
     void save(const std::vector<JournalEntry>& entries);
     /// From now on nothing is saved: the file stays as a dead process would have left it.

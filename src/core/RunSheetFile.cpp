@@ -11,12 +11,13 @@ std::vector<RunSheet> load(const std::optional<std::filesystem::path>& url) noex
     if (!url) {
         return {};
     }
+    const auto text = files::read(*url);
+    return text ? decode(*text) : std::vector<RunSheet>();
+}
+
+std::vector<RunSheet> decode(std::string_view text) noexcept {
     try {
-        const auto text = files::read(*url);
-        if (!text) {
-            return {};
-        }
-        const auto document = json::parse(*text);
+        const auto document = json::parse(text);
         if (!document || !document->is_array()) {
             return {};
         }
@@ -31,17 +32,21 @@ std::vector<RunSheet> load(const std::optional<std::filesystem::path>& url) noex
     }
 }
 
+std::string encode(const std::vector<RunSheet>& sheets) {
+    Json document = Json::array();
+    for (const RunSheet& sheet : sheets) {
+        document.push_back(toJson(sheet));
+    }
+    return json::orderedText(document);
+}
+
 void save(const std::vector<RunSheet>& sheets,
           const std::optional<std::filesystem::path>& url) noexcept {
     if (!url) {
         return;
     }
     try {
-        Json document = Json::array();
-        for (const RunSheet& sheet : sheets) {
-            document.push_back(toJson(sheet));
-        }
-        files::writeAtomically(*url, json::orderedText(document));
+        files::writeAtomically(*url, encode(sheets));
     } catch (...) {
         // The sheets in memory stay; the file keeps its old content.
     }

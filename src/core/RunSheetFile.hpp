@@ -4,6 +4,8 @@
 
 #include <filesystem>
 #include <optional>
+#include <string>
+#include <string_view>
 #include <vector>
 
 /// Keeps the past run sheets in one JSON array, newest first. Run sheets are a convenience
@@ -15,6 +17,10 @@ namespace scrimlet::RunSheetFile {
 /// Every sheet in the file, or none at all when any part of it cannot be read: one damaged
 /// sheet costs them all, and the next save overwrites the file. No location, no sheets.
 std::vector<RunSheet> load(const std::optional<std::filesystem::path>& url) noexcept;
+/// The sheets of a file's text, all or none, as `load` reads the file.
+std::vector<RunSheet> decode(std::string_view text) noexcept;
+/// The text `save` writes: a pretty-printed JSON array, each sheet's keys in field order.
+std::string encode(const std::vector<RunSheet>& sheets);
 /// Replaces the file atomically; an empty list is written as an empty array. Without a
 /// location nothing is written.
 void save(const std::vector<RunSheet>& sheets,

@@ -9,12 +9,13 @@ StageSettings load(const std::optional<std::filesystem::path>& url) noexcept {
     if (!url) {
         return StageSettings();
     }
+    const auto text = files::read(*url);
+    return text ? decode(*text) : StageSettings();
+}
+
+StageSettings decode(std::string_view text) noexcept {
     try {
-        const auto text = files::read(*url);
-        if (!text) {
-            return StageSettings();
-        }
-        const auto document = json::parse(*text);
+        const auto document = json::parse(text);
         if (!document) {
             return StageSettings();
         }

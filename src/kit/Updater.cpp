@@ -385,6 +385,10 @@ std::string Updater::fetch(const std::string& url, std::int64_t expected,
                  overflowed = true;
                  return false;
              }
+             // A promise of nothing leaves no share to tell until the end.
+             if (expected <= 0) {
+                 return true;
+             }
              // Whole percents only, so the main thread is not flooded with redraws.
              const auto percent = static_cast<int>(static_cast<double>(data.size()) * 100 /
                                                    static_cast<double>(expected));

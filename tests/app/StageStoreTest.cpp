@@ -8,6 +8,9 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/wait.h>
+#include <unistd.h>
+
 namespace scrimlet {
 namespace {
 
@@ -26,9 +29,36 @@ TEST(StageStore, StartsLiveInOrderAndHealsACrashBeforeTheFirstTick) {
         crashed->show().start("Started from the menu", false);
         ASSERT_TRUE(std::filesystem::exists(rig.dir / "journal.json"));
     }
+    // Saves that a kill cut short left their temporary files; those of a process that still
+    // runs are its own business, and other names are no business at all.
+    const pid_t dead = fork();
+    if (dead == 0) {
+        _exit(0);
+    }
+    waitpid(dead, nullptr, 0);
+    const std::string deadTag = std::to_string(dead) + "-17";
+    const std::string ownTag = std::to_string(getpid()) + "-4";
+    const std::vector<std::string> leftovers = {
+        ".journal.json.tmp-" + deadTag, ".journal.json.tmp-" + ownTag,
+        ".runsheets.json.tmp-" + deadTag, ".settings.json.tmp-" + deadTag};
+    const std::vector<std::string> kept = {".journal.json.tmp-" + std::to_string(getppid()) + "-9",
+                                           ".journal.json.tmp-x-1", ".notes.json.tmp-" + deadTag,
+                                           "journal.json.tmp-" + deadTag};
+    for (const auto& name : leftovers) {
+        files::writeAtomically(rig.dir / name, "{\"version\": 1, \"entr");
+    }
+    for (const auto& name : kept) {
+        files::writeAtomically(rig.dir / name, "");
+    }
     rig.platform->calls.clear();
     auto store = rig.open({});
     store->startLive();
+    for (const auto& name : leftovers) {
+        EXPECT_FALSE(std::filesystem::exists(rig.dir / name)) << name;
+    }
+    for (const auto& name : kept) {
+        EXPECT_TRUE(std::filesystem::exists(rig.dir / name)) << name;
+    }
     EXPECT_EQ(without(rig.platform->calls, "updateStatusItem"),
               (std::vector<std::string>{"startFrontTracker", "installSceneryHooks",
                                         "setMenuBarDividerInstalled off", "installStatusItem",

@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include <sstream>
+#include <sys/stat.h>
 
 namespace scrimlet {
 namespace {
@@ -55,6 +56,9 @@ TEST(CommandLine, BadArgumentsSayWhatIsWrongAndFail) {
         {{"sheets", "--json=yes"}, "unknown option '--json=yes'"},
         {{"journal", "--json"}, "unknown option '--json'"},
         {{"journal", "old.json"}, "unexpected argument 'old.json'"},
+        {{"rehearse", "--hold", "1"}, "--dir DIR is needed"},
+        {{"rehearse", "--dir", "/tmp/x", "--step", "-0.1"}, "not '-0.1'"},
+        {{"rehearse", "--dir", "/tmp/x", "--launch-only=yes"}, "unknown option"},
     };
     for (const auto& [arguments, problem] : cases) {
         const auto ran = scrimlet(arguments);
@@ -134,6 +138,37 @@ TEST(CommandLine, TheJournalIsToldInWordsAndForgivenWhenDamaged) {
                   {"is damaged and could not be read. Scrimlet counts it as holding nothing"});
     expectInOrder(scrimlet({"journal", "--file", (temp / "gone.json").string()}),
                   {"does not exist, so Scrimlet has nothing to put back"});
+}
+
+TEST(CommandLine, FilesThatCannotBeReadAreRefusedInTheSameWordsByBothListings) {
+    TempDir temp;
+    const auto fifo = temp / "fifo.json";
+    ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+    const auto big = temp / "big.json";
+    files::writeAtomically(big, "[");
+    std::filesystem::resize_file(big, 50'000'000);
+    const std::vector<std::pair<std::string, std::string>> refused = {
+        {fifo.string(), " is not a regular file (a pipe, a device or a socket)"},
+        {"/dev/zero", " is not a regular file (a pipe, a device or a socket)"},
+        {temp.path().string(), " is a folder, not a file"},
+        {big.string(), " is 50.0 MB, too large to read (at most 10.0 MB)"},
+    };
+    for (const auto& [file, words] : refused) {
+        for (const std::string command : {"sheets", "journal"}) {
+            const auto ran = scrimlet({command, "--file", file});
+            EXPECT_EQ(ran.status, 1) << command << " " << file;
+            EXPECT_EQ(ran.err, "scrimlet: " + command + ": " + file + words + "\n");
+            EXPECT_EQ(ran.out, "");
+        }
+    }
+
+    // Nested far past any stack: damaged, not a crash.
+    const auto deep = temp / "deep.json";
+    const std::string nested = std::string(100'000, '[') + std::string(100'000, ']');
+    files::writeAtomically(deep, R"({"version": 1, "entries": )" + nested + "}");
+    expectInOrder(scrimlet({"journal", "--file", deep.string()}), {"is damaged"});
+    files::writeAtomically(deep, nested);
+    expectInOrder(scrimlet({"sheets", "--file", deep.string()}), {"is damaged"});
 }
 
 TEST(CommandLine, TheDemoTellsItsDayAndLeavesItsFolderTidy) {

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 namespace scrimlet {
 namespace {
 
@@ -83,6 +85,24 @@ TEST(Effects, DatesAndIdsUseTheFileForms) {
                             "2026-01-02T10:00:00Zjunk", "x026-01-02T10:00:00Z"}) {
         EXPECT_FALSE(Date::parseIso8601(bad)) << bad;
     }
+    // What the reader takes, the writer writes back in a form the reader takes again: the
+    // four-digit years bound both, whatever offset a date came with.
+    for (const char* edge :
+         {"0000-01-01T00:00:00Z", "9999-12-31T23:59:59Z", "0000-01-01T00:00:00-00:01",
+          "9999-12-31T23:59:59.999+00:01", "9999-12-31T23:00:00+05:30"}) {
+        const auto date = Date::parseIso8601(edge);
+        ASSERT_TRUE(date) << edge;
+        EXPECT_EQ(Date::parseIso8601(date->iso8601()), Date{std::floor(date->seconds)}) << edge;
+    }
+    for (const char* beyond : {"0000-01-01T00:00:00+00:01", "9999-12-31T23:59:59-00:01",
+                               "9999-12-31T23:59:60Z", "0000-01-01T05:29:59+05:30"}) {
+        EXPECT_FALSE(Date::parseIso8601(beyond)) << beyond;
+    }
+    // Dates the clock could never give still come out readable, at the nearest bound.
+    EXPECT_EQ(Date{-1e18}.iso8601(), "0000-01-01T00:00:00Z");
+    EXPECT_EQ(Date{1e300}.iso8601(), "9999-12-31T23:59:59Z");
+    EXPECT_EQ(Date{std::nan("")}.iso8601(), "0000-01-01T00:00:00Z");
+
     const Uuid id = Uuid::random();
     EXPECT_EQ(Uuid::parse(id.string()), id);
     EXPECT_EQ(id.string().size(), 36u);

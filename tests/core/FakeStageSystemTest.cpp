@@ -1,6 +1,11 @@
 #include "FakeStageSystem.hpp"
 
+#include "AtomicFile.hpp"
+#include "TempDir.hpp"
+
 #include <gtest/gtest.h>
+
+#include <unistd.h>
 
 namespace scrimlet {
 namespace {
@@ -101,6 +106,64 @@ TEST(FakeStageSystem, TheDeathOfTheProcessTakesOnlyWhatItHeld) {
     sys->failWrites.clear();
     sys->startScreenSaver();
     EXPECT_EQ(sys->screenSaverStarts(), 1);
+}
+
+// The simulated Mac of a process that is killed: what would outlive the process on a real
+// Mac is on disk after every change, and the next process finds it there.
+TEST(FakeStageSystem, LastingStateOutlivesTheProcessInItsFile) {
+    testing::TempDir dir;
+    const auto file = dir / "mac.json";
+    const EffectKey mail = EffectKey::app(*FakeStageSystem::demo()->app("com.apple.mail"));
+    auto first = FakeStageSystem::demo();
+    first->keepPersistentState(file);
+    first->write(dock, JournalValue::boolean(true));
+    first->write(EffectKey(EffectKind::displayMode, "1"), JournalValue::number(13));
+    first->write(mail, JournalValue::boolean(true));
+    first->write(dnd, JournalValue::boolean(true));
+    first->write(EffectKey(EffectKind::keepAwake), JournalValue::boolean(true));
+    first->userSet(EffectKey(EffectKind::alertVolume), JournalValue::number(0.2));
+    // Killed right after a change: it stands, on disk too. Killed right before one: it never
+    // happened.
+    first->setCrash(FakeStageSystem::CrashPoint::afterWrite(1));
+    EXPECT_THROW(first->write(EffectKey(EffectKind::darkMode), JournalValue::boolean(true)),
+                 SimulatedCrash);
+    first->revive();
+    first->setCrash(FakeStageSystem::CrashPoint::beforeWrite(1));
+    EXPECT_THROW(first->write(dock, JournalValue::boolean(false)), SimulatedCrash);
+
+    // This process has no save in flight, so a temporary file under its name is a leftover.
+    const auto leftover = dir / (".mac.json.tmp-" + std::to_string(getpid()) + "-3");
+    files::writeAtomically(leftover, "{\"dnd\": tr");
+    auto next = FakeStageSystem::demo();
+    next->keepPersistentState(file);
+    EXPECT_FALSE(std::filesystem::exists(leftover));
+    EXPECT_EQ(next->state(true), first->state(true));
+    EXPECT_EQ(next->read(EffectKey(EffectKind::darkMode)), JournalValue::boolean(true));
+    EXPECT_EQ(next->read(dock), JournalValue::boolean(true));
+    EXPECT_EQ(next->read(EffectKey(EffectKind::keepAwake)), JournalValue::boolean(false))
+        << "a power assertion dies with its process";
+    EXPECT_NE(next->state(false), first->state(false));
+
+    // Read part by part: a damaged part costs only itself, an app that is not running now
+    // and an effect that dies with the process are passed over.
+    auto damaged = FakeStageSystem::demo();
+    damaged->takePersistentState(R"({"dnd": "yes", "values": [
+        {"key": {"kind": "darkMode", "target": ""}, "value": {"bool": {"_0": true}}},
+        {"key": {"kind": "warpDrive", "target": ""}, "value": {"bool": {"_0": true}}},
+        {"key": {"kind": "backdrop", "target": ""}, "value": {"bool": {"_0": true}}},
+        {"key": {"kind": "alertVolume", "target": ""}, "value": {"number": {"_0": "loud"}}}],
+        "apps": [{"bundleID": "com.apple.mail", "name": "Mail", "pid": 504, "isHidden": true,
+                  "isRegular": true}, {"bundleID": "com.apple.mail", "name": "Mail", "pid": 9,
+                  "isHidden": false, "isRegular": true}, 7]})");
+    auto expected = FakeStageSystem::demo();
+    expected->values.insert_or_assign(EffectKey(EffectKind::darkMode), JournalValue::boolean(true));
+    expected->userSet(mail, JournalValue::boolean(true));
+    EXPECT_EQ(damaged->state(false), expected->state(false));
+    for (const char* text : {"", "[]", "{\"values\": 3}", "\xff"}) {
+        auto fresh = FakeStageSystem::demo();
+        fresh->takePersistentState(text);
+        EXPECT_EQ(fresh->state(false), FakeStageSystem::demo()->state(false)) << text;
+    }
 }
 
 } // namespace

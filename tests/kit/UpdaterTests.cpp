@@ -132,6 +132,24 @@ TEST_F(UpdaterStory, OversizedShortOrMissingDownloadsAndBadSignaturesWriteNothin
     EXPECT_EQ(updater->phase(),
               failed("The update’s signature didn’t match, so it wasn’t installed."));
 
+    // A feed that promises nothing at all: no progress can be told, yet nothing breaks.
+    UpdateFeed empty = feed;
+    empty.download->length = 0;
+    body.clear();
+    std::vector<double> fractions;
+    updater->setOnChange([&] {
+        if (const auto* downloading = updater->phase().as<Phase::Downloading>()) {
+            fractions.push_back(downloading->fraction);
+        }
+    });
+    updater->download(empty);
+    EXPECT_EQ(updater->phase(),
+              failed("The update’s signature didn’t match, so it wasn’t installed."));
+    for (const double fraction : fractions) {
+        EXPECT_TRUE(fraction >= 0 && fraction <= 1) << fraction;
+    }
+    updater->setOnChange({});
+
     server->routes[archiveURL].status = 404;
     updater->download(feed);
     EXPECT_EQ(updater->phase(), failed(notDownloaded + "The update file couldn’t be downloaded."));

@@ -5,6 +5,7 @@
 #import "../kit/Vantrel.hpp"
 #import "../views/Interface.hpp"
 #import "Lifecycle.hpp"
+#import "MacSelfTestShell.hpp"
 #import "MainMenu.h"
 #import "SelfTest.hpp"
 #import "SharedStore.hpp"
@@ -53,7 +54,8 @@ using scrimlet::Lifecycle::LaunchStep;
         app.activationPolicy = NSApplicationActivationPolicyAccessory;
         const std::string dir = scrimlet::Harness::selfTestDir().value_or("");
         dispatch_async(dispatch_get_main_queue(), ^{
-            const auto result = scrimlet::SelfTest::run(dir);
+            scrimlet::mac::MacSelfTestShell shell;
+            const auto result = scrimlet::SelfTest::run(dir, &shell);
             fputs(result.report.c_str(), stdout);
             fflush(stdout);
             exit(result.exitStatus);

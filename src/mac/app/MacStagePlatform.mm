@@ -100,12 +100,15 @@ class MacStagePlatform final : public StagePlatform {
     void startTimer(double interval, double tolerance, std::function<void()> fire) override {
         stopTimer();
         auto action = std::make_shared<std::function<void()>>(std::move(fire));
-        timer_ = [NSTimer scheduledTimerWithTimeInterval:interval
-                                                 repeats:YES
-                                                   block:^(NSTimer *) {
-                                                       (*action)();
-                                                   }];
+        timer_ = [NSTimer timerWithTimeInterval:interval
+                                        repeats:YES
+                                          block:^(NSTimer *) {
+                                              (*action)();
+                                          }];
         timer_.tolerance = tolerance;
+        // The common modes keep the main loop beating while one of the app's own menus or
+        // the settings window's controls are being tracked.
+        [NSRunLoop.mainRunLoop addTimer:timer_ forMode:NSRunLoopCommonModes];
     }
 
     void stopTimer() override {
