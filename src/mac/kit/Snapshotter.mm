@@ -4,6 +4,7 @@
 #import "../scenery/Wallpaper.h"
 #import "../views/DrawingView.h"
 #import "../views/DropdownView.h"
+#import "../views/SettingsPageController.h"
 #import "AtomicFile.hpp"
 #import "DemoArt.hpp"
 #import "ImageFillView.hpp"
@@ -12,6 +13,7 @@
 
 #import <AppKit/AppKit.h>
 
+#include <cmath>
 #include <cstdio>
 #include <filesystem>
 
@@ -64,8 +66,6 @@ struct Roll {
     }
 };
 
-/// Hosts `view` in a borderless window of the look, on the canvas, lets it lay out, and
-/// saves what it draws as a PNG file.
 bool save(NSData *png, const fs::path &file) {
     return png && files::writeAtomically(
                       file, std::string_view(static_cast<const char *>(png.bytes), png.length));
@@ -122,15 +122,26 @@ void shootPictures(Roll &roll) {
     }
 }
 
-bool shoot(NSView *view, const SnapshotLook &look, const fs::path &file) {
-    NSAppearance *appearance = appearanceOf(look);
-    NSColor *canvasColor = nsColor(Theme::canvas.resolve(look.appearance));
-    view.appearance = appearance;
+/// The size a view settles at: its fitting size, taken again once that frame is laid out.
+NSSize settledSize(NSView *view) {
     [view layoutSubtreeIfNeeded];
     NSSize size = view.fittingSize;
-    if (size.width <= 0 || size.height <= 0) {
-        size = view.frame.size;
-    }
+    view.frame = NSMakeRect(0, 0, size.width, size.height);
+    [view layoutSubtreeIfNeeded];
+    size = view.fittingSize;
+    return size.width > 0 && size.height > 0 ? size : view.frame.size;
+}
+
+/// Hosts the controller's view in a borderless window of the look, on the canvas, at the
+/// size it asks for or else the size it settles at, lets it lay out, and saves what it draws
+/// as a PNG file.
+bool shoot(NSViewController *controller, const SnapshotLook &look, const fs::path &file) {
+    NSAppearance *appearance = appearanceOf(look);
+    NSColor *canvasColor = nsColor(Theme::canvas.resolve(look.appearance));
+    NSView *view = controller.view;
+    view.appearance = appearance;
+    const NSSize asked = controller.preferredContentSize;
+    const NSSize size = asked.width > 0 && asked.height > 0 ? asked : settledSize(view);
     view.frame = NSMakeRect(0, 0, size.width, size.height);
 
     ScrimletSnapshotCanvas *canvas =
@@ -164,10 +175,10 @@ void shootLook(const SnapshotLook &look, Roll &roll) {
     for (const SnapshotShot &shot : SnapshotPlan::shots()) {
         const auto store = SnapshotPlan::stage(shot);
         const fs::path file = roll.dir / SnapshotPlan::fileName(shot, look);
-        if (shot.view == SnapshotShot::View::dropdown) {
-            NSViewController *dropdown = ScrimletDropdownViewController(*store);
-            roll.note(shoot(dropdown.view, look, file), file);
-        }
+        NSViewController *controller = shot.view == SnapshotShot::View::dropdown
+                                           ? ScrimletDropdownViewController(*store)
+                                           : ScrimletSettingsPageViewController(store, *shot.tab);
+        roll.note(shoot(controller, look, file), file);
     }
 }
 
@@ -182,7 +193,11 @@ void run(const std::string &dir) {
             shootLook(look, roll);
         }
         shootPictures(roll);
-        std::printf("Scrimlet: %d pictures in %s\n", roll.saved, roll.dir.string().c_str());
+        std::printf("Scrimlet: %d pictures in %s", roll.saved, roll.dir.string().c_str());
+        if (roll.failed > 0) {
+            std::printf(", %d couldn’t be saved", roll.failed);
+        }
+        std::printf("\n");
         std::fflush(stdout);
         if (!SnapshotPlan::staysAfterShots(Harness::env())) {
             std::exit(0);

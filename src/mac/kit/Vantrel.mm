@@ -1,6 +1,7 @@
 #import "Vantrel.hpp"
 
 #import "../app/SharedStore.hpp"
+#import "StatusItemPresence.hpp"
 #import "UpdateScreen.hpp"
 #import "UpdateWindow.hpp"
 #import "UpdaterPlatform.hpp"
@@ -22,12 +23,8 @@ std::optional<Kit> &kit() {
     return shared;
 }
 
-/// Whether others may be watching the screen: a show is up or counting down, or a share or
-/// recording has been seen.
-bool onStage() {
-    const StageStore &store = sharedStore();
-    return !store.show().isDark() || store.detecting().has_value();
-}
+/// Whether a window opening now would land in front of an audience.
+bool onStage() { return StatusItemPresence::isBusy(sharedStore()); }
 
 } // namespace
 
