@@ -2,6 +2,9 @@
 
 #include "Updater.hpp"
 
+#include <algorithm>
+#include <cctype>
+
 namespace vantrel {
 
 namespace {
@@ -29,6 +32,7 @@ UpdateScreen UpdateScreen::of(const Updater& updater) {
 
     if (phase.is<Phase::Idle>() || phase.is<Phase::Checking>()) {
         screen.title = "Checking for updates…";
+        screen.spinning = phase.is<Phase::Checking>();
     } else if (phase.is<Phase::UpToDate>()) {
         screen.title = "You’re up to date";
         screen.detail = name + " " + current + " is the newest version.";
@@ -55,6 +59,26 @@ UpdateScreen UpdateScreen::of(const Updater& updater) {
         screen.detail = failed->message;
     }
     return screen;
+}
+
+std::optional<std::string> UpdateScreen::downloadPage(const UpdateFeed& feed) {
+    const std::string& url = feed.url;
+    const auto colon = url.find(':');
+    if (colon == std::string::npos) {
+        return std::nullopt;
+    }
+    std::string scheme = url.substr(0, colon);
+    std::transform(scheme.begin(), scheme.end(), scheme.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    const std::string rest = url.substr(colon + 1);
+    const bool hasHost = rest.size() > 2 && rest.starts_with("//") && rest[2] != '/';
+    const bool plain = std::none_of(url.begin(), url.end(), [](char c) {
+        return static_cast<unsigned char>(c) <= ' ' || c == '\x7f';
+    });
+    if ((scheme == "https" || scheme == "http") && hasHost && plain) {
+        return url;
+    }
+    return std::nullopt;
 }
 
 } // namespace vantrel

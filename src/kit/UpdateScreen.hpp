@@ -3,6 +3,9 @@
 // What the "Software Update" window and the app's update controls say, decided here so that
 // the macOS view only lays it out.
 
+#include "UpdateFeed.hpp"
+#include "UpdaterHost.hpp"
+
 #include <optional>
 #include <string>
 #include <string_view>
@@ -46,10 +49,19 @@ struct UpdateScreen {
     std::optional<std::string> notes;
     /// The fraction of a determinate progress bar, while downloading.
     std::optional<double> progress;
+    /// A spinning indicator, while a check the user asked for runs.
+    bool spinning = false;
     /// At the trailing edge in this order; the last is the default.
     std::vector<UpdateButton> buttons;
 
     static UpdateScreen of(const Updater& updater);
+
+    /// The feed's web page, when it is one a browser should open. The feed is not signed, so
+    /// an address that would open a file or hand a link to another app is refused.
+    static std::optional<std::string> downloadPage(const UpdateFeed& feed);
+    /// Whether the window takes the keyboard and brings the app forward, or only comes
+    /// to the front of the screen.
+    static bool takesFocus(WindowReason reason) { return reason == WindowReason::answer; }
 
     bool operator==(const UpdateScreen&) const = default;
 };

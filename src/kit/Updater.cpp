@@ -180,13 +180,13 @@ void Updater::check(bool userInitiated) {
     // A download under way or a staged update is never interrupted.
     if (isBusy()) {
         if (userInitiated) {
-            services_.host->showWindow();
+            answer();
         }
         return;
     }
     if (userInitiated) {
         setPhase({Phase::Checking{}});
-        services_.host->showWindow();
+        answer();
     }
     HttpTransport::Request request;
     request.url = *feedURL_;
@@ -229,7 +229,7 @@ void Updater::finishCheck(const std::optional<UpdateFeed>& feed, bool userInitia
         }
         setPhase({Phase::Available{*feed}});
         if (!userInitiated && shouldAnnounce(*feed)) {
-            services_.host->showWindow();
+            remind();
         }
         return;
     }
@@ -321,7 +321,42 @@ void Updater::finishDownload(const UpdateFeed& feed, const DownloadOutcome& outc
     stagedApp_ = std::get<Staged>(outcome).app;
     setPhase({Phase::Ready{feed}});
     if (shouldAnnounce(feed)) {
-        services_.host->showWindow();
+        remind();
+    }
+}
+
+void Updater::answer() {
+    // The user is looking now: a reminder still held would only reopen what they close.
+    reminderHeld_ = false;
+    services_.host->showWindow(WindowReason::answer);
+}
+
+void Updater::remind() {
+    if (!holdReminders_ || !holdReminders_()) {
+        reminderHeld_ = false;
+        services_.host->showWindow(WindowReason::reminder);
+        return;
+    }
+    if (reminderHeld_) {
+        return;
+    }
+    reminderHeld_ = true;
+    const std::weak_ptr<Updater> weak = weak_from_this();
+    services_.host->runAfter(reminderRetry, [weak] {
+        if (const auto self = weak.lock()) {
+            self->retryReminder();
+        }
+    });
+}
+
+void Updater::retryReminder() {
+    if (!reminderHeld_) {
+        return;
+    }
+    reminderHeld_ = false;
+    // News that went stale meanwhile (a failed download, say) is no reminder.
+    if (phase_.is<Phase::Available>() || phase_.is<Phase::Ready>()) {
+        remind();
     }
 }
 

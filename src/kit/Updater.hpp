@@ -137,6 +137,11 @@ public:
 
     /// Called on the main thread after any observable change.
     void setOnChange(std::function<void()> onChange) { onChange_ = std::move(onChange); }
+    /// While `busy` answers true, news the user did not ask for waits, and is looked at again
+    /// every `reminderRetry` seconds: the app around may be on a screen that others watch.
+    /// What the user asks for is always answered at once.
+    void holdRemindersWhile(std::function<bool()> busy) { holdReminders_ = std::move(busy); }
+    static constexpr double reminderRetry = 5;
 
     /// Once at launch: the first check comes 8 seconds later, then one every six hours.
     void start();
@@ -186,6 +191,10 @@ private:
                                   const std::function<void(double)>& progress) const;
     void showProgress(double fraction);
     void finishDownload(const UpdateFeed& feed, const DownloadOutcome& outcome);
+    void answer();
+    /// Shows the window as a reminder, or holds it while the app around is busy.
+    void remind();
+    void retryReminder();
     void runTool(const std::string& path, const std::vector<std::string>& arguments) const;
 
     const BundleFacts bundle_;
@@ -203,7 +212,9 @@ private:
     std::optional<std::filesystem::path> stagedApp_;
     bool relaunchAfterInstall_ = false;
     bool started_ = false;
+    bool reminderHeld_ = false;
     std::function<void()> onChange_;
+    std::function<bool()> holdReminders_;
 };
 
 } // namespace vantrel

@@ -85,13 +85,17 @@ struct Host : UpdaterHost {
     void runEvery(double seconds, Task task) override { repeating.push_back({seconds, task}); }
     void whenTerminating(Task task) override { onTerminate = task; }
     void terminate() override { onTerminate(); }
-    void showWindow() override { ++windowsShown; }
+    void showWindow(WindowReason reason) override {
+        ++windowsShown;
+        reasons.push_back(reason);
+    }
     int processId() const override { return 4242; }
     double now() const override { return clock; }
 
     std::vector<std::pair<double, Task>> delayed, repeating;
     Task onTerminate;
     int windowsShown = 0;
+    std::vector<WindowReason> reasons;
     double clock = 1'700'000'000;
 };
 

@@ -3,6 +3,7 @@
 #import "DropdownView.h"
 #import "Interface.hpp"
 #import "Look.h"
+#import "SettingsPageController.h"
 #import "SettingsPageView.h"
 
 #include "ControlLooks.hpp"
@@ -395,6 +396,11 @@ std::string dateText(Date date) {
 }
 
 @end
+
+NSViewController *ScrimletSettingsPageViewController(std::weak_ptr<StageStore> store,
+                                                     StageStore::SettingsTab tab) {
+    return [[ScrimletSettingsPageController alloc] initWithTab:tab store:std::move(store)];
+}
 
 namespace scrimlet::mac::Interface {
 
