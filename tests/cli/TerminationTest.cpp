@@ -43,8 +43,9 @@ TEST(TerminationSignals, ASignalWaitsOnThePipeUntilTheLoopLooks) {
 
 // Runs the real command with `arguments` in a child process with no output, sends it
 // `signal` as soon as a show is live and its journal is on disk, and answers its wait status.
-int signalledMidShow(std::vector<std::string> arguments, const TempDir& dir, int signal) {
-    arguments.insert(arguments.begin(), SCRIMLET_COMMAND);
+int signalledMidShow(const std::vector<std::string>& options, const TempDir& dir, int signal) {
+    std::vector<std::string> arguments{SCRIMLET_COMMAND};
+    arguments.insert(arguments.end(), options.begin(), options.end());
     std::vector<char*> argv;
     for (auto& argument : arguments) {
         argv.push_back(argument.data());
