@@ -49,37 +49,6 @@ Controller &controller() {
     return shared;
 }
 
-NSFontWeight fontWeight(FontWeight weight) {
-    switch (weight) {
-    case FontWeight::ultraLight:
-        return NSFontWeightUltraLight;
-    case FontWeight::thin:
-        return NSFontWeightThin;
-    case FontWeight::light:
-        return NSFontWeightLight;
-    case FontWeight::regular:
-        return NSFontWeightRegular;
-    case FontWeight::medium:
-        return NSFontWeightMedium;
-    case FontWeight::semibold:
-        return NSFontWeightSemibold;
-    case FontWeight::bold:
-        return NSFontWeightBold;
-    case FontWeight::heavy:
-        return NSFontWeightHeavy;
-    case FontWeight::black:
-        return NSFontWeightBlack;
-    }
-    return NSFontWeightRegular;
-}
-
-NSFont *titleFont(const Font &font) {
-    if (font.monospacedDigits) {
-        return [NSFont monospacedDigitSystemFontOfSize:font.size weight:fontWeight(font.weight)];
-    }
-    return [NSFont systemFontOfSize:font.size weight:fontWeight(font.weight)];
-}
-
 void activateApp() {
     NSApplication *app = NSApp;
     if (@available(macOS 14.0, *)) {
@@ -229,7 +198,7 @@ void update(StageStore &store) {
     if (look.titleFont) {
         button.attributedTitle = [[NSAttributedString alloc]
             initWithString:toNSString(look.title)
-                attributes:@{NSFontAttributeName : titleFont(*look.titleFont)}];
+                attributes:@{NSFontAttributeName : nsFont(*look.titleFont)}];
     } else {
         button.title = @"";
     }

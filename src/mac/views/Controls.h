@@ -67,6 +67,14 @@ NSImageView *symbolView(std::string_view symbol, double pointSize, const Adaptiv
 /// A vertical or horizontal stack with the given spacing.
 NSStackView *stack(NSUserInterfaceLayoutOrientation orientation, CGFloat spacing,
                    NSArray<NSView *> *views);
+/// Ties a subview's four edges to its superview's, so that each takes the other's size.
+void pinToEdges(NSView *view, NSView *container);
+/// Replaces a view's own tracking area with one that reports the pointer entering and
+/// leaving its visible part, in every app state; for `updateTrackingAreas`.
+void trackHover(NSView *view);
+/// A timer that calls `step` at each frame of an animation, also while a menu tracks or a
+/// window is dragged.
+NSTimer *frameTimer(void (^step)(void));
 
 } // namespace scrimlet::mac
 

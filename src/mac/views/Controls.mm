@@ -258,17 +258,7 @@ Font buttonFont(const ButtonModel &model) {
 
 - (void)updateTrackingAreas {
     [super updateTrackingAreas];
-    for (NSTrackingArea *area in self.trackingAreas) {
-        if (area.owner == self) {
-            [self removeTrackingArea:area];
-        }
-    }
-    [self addTrackingArea:[[NSTrackingArea alloc]
-                              initWithRect:NSZeroRect
-                                   options:NSTrackingMouseEnteredAndExited |
-                                           NSTrackingActiveAlways | NSTrackingInVisibleRect
-                                     owner:self
-                                  userInfo:nil]];
+    trackHover(self);
 }
 
 - (void)mouseEntered:(NSEvent *)event {
@@ -423,12 +413,9 @@ Font buttonFont(const ButtonModel &model) {
     _to = on ? 1 : 0;
     _start = NSProcessInfo.processInfo.systemUptime;
     __weak ScrimletLampToggle *weakSelf = self;
-    _timer = [NSTimer timerWithTimeInterval:1.0 / 60
-                                    repeats:YES
-                                      block:^(NSTimer *) {
-                                          [weakSelf step];
-                                      }];
-    [NSRunLoop.mainRunLoop addTimer:_timer forMode:NSRunLoopCommonModes];
+    _timer = frameTimer(^{
+        [weakSelf step];
+    });
 }
 
 - (void)step {
@@ -458,6 +445,39 @@ NSStackView *stack(NSUserInterfaceLayoutOrientation orientation, CGFloat spacing
                         : NSLayoutAttributeCenterY;
     out.translatesAutoresizingMaskIntoConstraints = NO;
     return out;
+}
+
+void pinToEdges(NSView *view, NSView *container) {
+    [NSLayoutConstraint activateConstraints:@[
+        [view.leadingAnchor constraintEqualToAnchor:container.leadingAnchor],
+        [view.trailingAnchor constraintEqualToAnchor:container.trailingAnchor],
+        [view.topAnchor constraintEqualToAnchor:container.topAnchor],
+        [view.bottomAnchor constraintEqualToAnchor:container.bottomAnchor],
+    ]];
+}
+
+void trackHover(NSView *view) {
+    for (NSTrackingArea *area in view.trackingAreas) {
+        if (area.owner == view) {
+            [view removeTrackingArea:area];
+        }
+    }
+    [view addTrackingArea:[[NSTrackingArea alloc]
+                              initWithRect:NSZeroRect
+                                   options:NSTrackingMouseEnteredAndExited |
+                                           NSTrackingActiveAlways | NSTrackingInVisibleRect
+                                     owner:view
+                                  userInfo:nil]];
+}
+
+NSTimer *frameTimer(void (^step)(void)) {
+    NSTimer *timer = [NSTimer timerWithTimeInterval:1.0 / 60
+                                            repeats:YES
+                                              block:^(NSTimer *) {
+                                                  step();
+                                              }];
+    [NSRunLoop.mainRunLoop addTimer:timer forMode:NSRunLoopCommonModes];
+    return timer;
 }
 
 NSImageView *symbolView(std::string_view symbol, double pointSize, const AdaptiveColor &color,

@@ -25,6 +25,12 @@ Appearance appearanceOf(NSAppearance *appearance);
 void drawDrawing(const Drawing &drawing, CGContextRef context,
                  NSDictionary<NSString *, NSImage *> *images);
 
+/// The system font's weight for a theme weight.
+NSFontWeight nsFontWeight(FontWeight weight);
+/// The system font in a theme font's size, weight, width and design, with tabular digits
+/// when the font asks for them.
+NSFont *nsFont(const Font &font);
+
 /// An image whose every draw makes the drawing for the appearance it is drawn in.
 NSImage *imageOfDrawing(Size size, std::function<Drawing(Appearance)> make);
 

@@ -173,58 +173,10 @@ void stroke(CGContextRef context, const StrokeOp &op) {
 
 #pragma mark - Text
 
-NSFontWeight weightOf(FontWeight weight) {
-    switch (weight) {
-    case FontWeight::ultraLight:
-        return NSFontWeightUltraLight;
-    case FontWeight::thin:
-        return NSFontWeightThin;
-    case FontWeight::light:
-        return NSFontWeightLight;
-    case FontWeight::regular:
-        return NSFontWeightRegular;
-    case FontWeight::medium:
-        return NSFontWeightMedium;
-    case FontWeight::semibold:
-        return NSFontWeightSemibold;
-    case FontWeight::bold:
-        return NSFontWeightBold;
-    case FontWeight::heavy:
-        return NSFontWeightHeavy;
-    case FontWeight::black:
-        return NSFontWeightBlack;
-    }
-    return NSFontWeightRegular;
-}
-
-NSFont *systemFont(const Font &font) {
-    const NSFontWeight weight = weightOf(font.weight);
-    NSFont *made =
-        font.design == FontDesign::monospaced
-            ? [NSFont monospacedSystemFontOfSize:font.size weight:weight]
-            : [NSFont systemFontOfSize:font.size
-                                weight:weight
-                                 width:font.width == FontWidth::condensed ? NSFontWidthCondensed
-                                                                          : NSFontWidthStandard];
-    if (font.monospacedDigits) {
-        NSFontDescriptor *digits = [made.fontDescriptor fontDescriptorByAddingAttributes:@{
-            NSFontFeatureSettingsAttribute : @[ @{
-                NSFontFeatureTypeIdentifierKey : @(kNumberSpacingType),
-                NSFontFeatureSelectorIdentifierKey : @(kMonospacedNumbersSelector)
-            } ]
-        }];
-        NSFont *withDigits = [NSFont fontWithDescriptor:digits size:font.size];
-        if (withDigits != nil) {
-            made = withDigits;
-        }
-    }
-    return made;
-}
-
 CTLineRef createLine(std::string_view text, const Font &font, const Color &color) {
     const Owned<CGColorRef> cgColor(createColor(color));
     NSDictionary *attributes = @{
-        (__bridge NSString *)kCTFontAttributeName : systemFont(font),
+        (__bridge NSString *)kCTFontAttributeName : nsFont(font),
         (__bridge NSString *)kCTForegroundColorAttributeName : (__bridge id)cgColor.get(),
         (__bridge NSString *)kCTTrackingAttributeName : @(font.tracking),
     };
@@ -290,7 +242,7 @@ void drawSymbol(CGContextRef context, const SymbolOp &symbol) {
                                accessibilityDescription:nil];
     NSImageSymbolConfiguration *size =
         [NSImageSymbolConfiguration configurationWithPointSize:symbol.pointSize
-                                                        weight:weightOf(symbol.weight)];
+                                                        weight:nsFontWeight(symbol.weight)];
     NSColor *color = [NSColor colorWithSRGBRed:symbol.color.red
                                          green:symbol.color.green
                                           blue:symbol.color.blue
@@ -377,6 +329,54 @@ class Painter {
 };
 
 } // namespace
+
+NSFontWeight nsFontWeight(FontWeight weight) {
+    switch (weight) {
+    case FontWeight::ultraLight:
+        return NSFontWeightUltraLight;
+    case FontWeight::thin:
+        return NSFontWeightThin;
+    case FontWeight::light:
+        return NSFontWeightLight;
+    case FontWeight::regular:
+        return NSFontWeightRegular;
+    case FontWeight::medium:
+        return NSFontWeightMedium;
+    case FontWeight::semibold:
+        return NSFontWeightSemibold;
+    case FontWeight::bold:
+        return NSFontWeightBold;
+    case FontWeight::heavy:
+        return NSFontWeightHeavy;
+    case FontWeight::black:
+        return NSFontWeightBlack;
+    }
+    return NSFontWeightRegular;
+}
+
+NSFont *nsFont(const Font &font) {
+    const NSFontWeight weight = nsFontWeight(font.weight);
+    NSFont *made =
+        font.design == FontDesign::monospaced
+            ? [NSFont monospacedSystemFontOfSize:font.size weight:weight]
+            : [NSFont systemFontOfSize:font.size
+                                weight:weight
+                                 width:font.width == FontWidth::condensed ? NSFontWidthCondensed
+                                                                          : NSFontWidthStandard];
+    if (font.monospacedDigits) {
+        NSFontDescriptor *digits = [made.fontDescriptor fontDescriptorByAddingAttributes:@{
+            NSFontFeatureSettingsAttribute : @[ @{
+                NSFontFeatureTypeIdentifierKey : @(kNumberSpacingType),
+                NSFontFeatureSelectorIdentifierKey : @(kMonospacedNumbersSelector)
+            } ]
+        }];
+        NSFont *withDigits = [NSFont fontWithDescriptor:digits size:font.size];
+        if (withDigits != nil) {
+            made = withDigits;
+        }
+    }
+    return made;
+}
 
 Appearance appearanceOf(NSAppearance *appearance) {
     NSAppearanceName match = [appearance

@@ -133,17 +133,7 @@ NSView *padded(NSView *content, CGFloat vertical, CGFloat horizontal) {
 
 - (void)updateTrackingAreas {
     [super updateTrackingAreas];
-    for (NSTrackingArea *area in self.trackingAreas) {
-        if (area.owner == self) {
-            [self removeTrackingArea:area];
-        }
-    }
-    [self addTrackingArea:[[NSTrackingArea alloc]
-                              initWithRect:NSZeroRect
-                                   options:NSTrackingMouseEnteredAndExited |
-                                           NSTrackingActiveAlways | NSTrackingInVisibleRect
-                                     owner:self
-                                  userInfo:nil]];
+    trackHover(self);
 }
 
 - (void)glow:(BOOL)on {

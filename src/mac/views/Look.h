@@ -5,6 +5,8 @@
 
 #import <AppKit/AppKit.h>
 
+#import "DrawingView.h"
+
 #include "ViewModel.hpp"
 
 #include <string_view>
@@ -15,7 +17,6 @@ NSColor *nsColor(const Color &color);
 /// A colour resolved at drawing time for the appearance it is drawn in, so that views keep
 /// up with a change between light and dark without being rebuilt.
 NSColor *nsColor(const AdaptiveColor &color);
-NSFont *nsFont(const Font &font);
 /// A system symbol at a point size and weight; nil when the system has no such symbol.
 NSImage *symbolImage(std::string_view name, double pointSize,
                      FontWeight weight = FontWeight::regular, NSString *description = nil);

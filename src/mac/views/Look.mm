@@ -1,37 +1,8 @@
 #import "Look.h"
 
 #import "../common/Text.h"
-#import "DrawingView.h"
 
 namespace scrimlet::mac {
-
-namespace {
-
-NSFontWeight nsWeight(FontWeight weight) {
-    switch (weight) {
-    case FontWeight::ultraLight:
-        return NSFontWeightUltraLight;
-    case FontWeight::thin:
-        return NSFontWeightThin;
-    case FontWeight::light:
-        return NSFontWeightLight;
-    case FontWeight::regular:
-        return NSFontWeightRegular;
-    case FontWeight::medium:
-        return NSFontWeightMedium;
-    case FontWeight::semibold:
-        return NSFontWeightSemibold;
-    case FontWeight::bold:
-        return NSFontWeightBold;
-    case FontWeight::heavy:
-        return NSFontWeightHeavy;
-    case FontWeight::black:
-        return NSFontWeightBlack;
-    }
-    return NSFontWeightRegular;
-}
-
-} // namespace
 
 NSString *nsString(std::string_view text) { return toNSString(text); }
 
@@ -51,26 +22,13 @@ NSColor *nsColor(const AdaptiveColor &color) {
                   }];
 }
 
-NSFont *nsFont(const Font &font) {
-    const NSFontWeight weight = nsWeight(font.weight);
-    if (font.design == FontDesign::monospaced) {
-        return [NSFont monospacedSystemFontOfSize:font.size weight:weight];
-    }
-    if (font.width == FontWidth::condensed) {
-        return [NSFont systemFontOfSize:font.size weight:weight width:NSFontWidthCondensed];
-    }
-    if (font.monospacedDigits) {
-        return [NSFont monospacedDigitSystemFontOfSize:font.size weight:weight];
-    }
-    return [NSFont systemFontOfSize:font.size weight:weight];
-}
-
 NSImage *symbolImage(std::string_view name, double pointSize, FontWeight weight,
                      NSString *description) {
     NSImage *image = [NSImage imageWithSystemSymbolName:toNSString(name)
                                accessibilityDescription:description];
     NSImageSymbolConfiguration *configuration =
-        [NSImageSymbolConfiguration configurationWithPointSize:pointSize weight:nsWeight(weight)];
+        [NSImageSymbolConfiguration configurationWithPointSize:pointSize
+                                                        weight:nsFontWeight(weight)];
     return [image imageWithSymbolConfiguration:configuration];
 }
 

@@ -83,13 +83,8 @@ NSView *fixedWidth(NSView *view, CGFloat width) {
                                               Theme::Space::xl);
         self.translatesAutoresizingMaskIntoConstraints = NO;
         [self addSubview:_column];
-        [NSLayoutConstraint activateConstraints:@[
-            [_column.leadingAnchor constraintEqualToAnchor:self.leadingAnchor],
-            [_column.trailingAnchor constraintEqualToAnchor:self.trailingAnchor],
-            [_column.topAnchor constraintEqualToAnchor:self.topAnchor],
-            [_column.bottomAnchor constraintEqualToAnchor:self.bottomAnchor],
-            [self.widthAnchor constraintEqualToConstant:width],
-        ]];
+        pinToEdges(_column, self);
+        [self.widthAnchor constraintEqualToConstant:width].active = YES;
     }
     return self;
 }

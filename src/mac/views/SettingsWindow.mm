@@ -73,13 +73,8 @@ std::string dateText(Date date) {
                                               Theme::Space::xl);
         self.translatesAutoresizingMaskIntoConstraints = NO;
         [self addSubview:_column];
-        [NSLayoutConstraint activateConstraints:@[
-            [_column.leadingAnchor constraintEqualToAnchor:self.leadingAnchor],
-            [_column.trailingAnchor constraintEqualToAnchor:self.trailingAnchor],
-            [_column.topAnchor constraintEqualToAnchor:self.topAnchor],
-            [_column.bottomAnchor constraintEqualToAnchor:self.bottomAnchor],
-            [self.widthAnchor constraintEqualToConstant:pageWidth],
-        ]];
+        pinToEdges(_column, self);
+        [self.widthAnchor constraintEqualToConstant:pageWidth].active = YES;
     }
     return self;
 }

@@ -70,12 +70,7 @@ NSView *lineView(const HeaderLine &line) {
         [self addSubview:_curtain];
         _front = [self face];
         _stage = [self face];
-        [NSLayoutConstraint activateConstraints:@[
-            [_curtain.leadingAnchor constraintEqualToAnchor:self.leadingAnchor],
-            [_curtain.trailingAnchor constraintEqualToAnchor:self.trailingAnchor],
-            [_curtain.topAnchor constraintEqualToAnchor:self.topAnchor],
-            [_curtain.bottomAnchor constraintEqualToAnchor:self.bottomAnchor],
-        ]];
+        pinToEdges(_curtain, self);
         self.accessibilityElement = YES;
         self.accessibilityRole = NSAccessibilityStaticTextRole;
     }
@@ -143,12 +138,9 @@ NSView *lineView(const HeaderLine &line) {
     _toLit = model.lit;
     _start = NSProcessInfo.processInfo.systemUptime;
     __weak ScrimletStageHeaderView *weakSelf = self;
-    _timer = [NSTimer timerWithTimeInterval:1.0 / 60
-                                    repeats:YES
-                                      block:^(NSTimer *) {
-                                          [weakSelf step];
-                                      }];
-    [NSRunLoop.mainRunLoop addTimer:_timer forMode:NSRunLoopCommonModes];
+    _timer = frameTimer(^{
+        [weakSelf step];
+    });
 }
 
 - (void)step {
