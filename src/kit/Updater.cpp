@@ -1,8 +1,9 @@
 #include "Updater.hpp"
 
+#include "AtomicFile.hpp"
+
 #include <algorithm>
 #include <cerrno>
-#include <fstream>
 #include <system_error>
 #include <vector>
 
@@ -105,12 +106,7 @@ std::optional<UpdateFeed> loadFeed(HttpTransport& http, const HttpTransport::Req
 }
 
 void writeFile(const fs::path& path, std::string_view data) {
-    std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    if (out) {
-        out.write(data.data(), static_cast<std::streamsize>(data.size()));
-        out.close();
-    }
-    if (!out) {
+    if (!scrimlet::files::writeAtomically(path, data)) {
         throw std::system_error(errno != 0 ? errno : EIO, std::generic_category());
     }
 }
