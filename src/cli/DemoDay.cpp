@@ -1,6 +1,7 @@
 #include "DemoDay.hpp"
 
 #include "DemoCapture.hpp"
+#include "Dropdown.hpp"
 #include "Fmt.hpp"
 #include "Harness.hpp"
 #include "JournalStore.hpp"
@@ -103,7 +104,7 @@ void DemoDay::curtainFell(const std::string& cause) {
         std::string(label(sheet.reason.value_or(EndReason::stopped))) + ", after " +
         Fmt::duration(sheet.duration().value_or(0)) + ".");
     out_ << Narration::records(sheet.strike, indent + "  ");
-    more(Narration::curtainDown(sheet));
+    more(Dropdown::endedText(sheet));
 }
 
 void DemoDay::launch() {
@@ -136,7 +137,7 @@ void DemoDay::opening() {
     if (const auto& healed = store_->recovered) {
         say("At launch Scrimlet found a show that never ended and put the Mac back:");
         out_ << Narration::records(healed->strike, indent + "  ");
-        more(Narration::recovered(*healed));
+        more(Dropdown::recoveredText(*healed));
     }
     const size_t past = store_->show().sheets().size();
     say("The curtain is down. " +
@@ -289,7 +290,7 @@ void DemoDay::crash() {
         say("Scrimlet starts again. Before anything else it reads the journal and puts the Mac "
             "back:");
         out_ << Narration::records(healed->strike, indent + "  ");
-        more(Narration::recovered(*healed));
+        more(Dropdown::recoveredText(*healed));
     } else {
         say("Scrimlet starts again; the journal holds nothing to put back.");
     }

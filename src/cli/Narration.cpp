@@ -26,14 +26,6 @@ std::string counted(int n, const std::string& one, const std::string& many) {
     return std::to_string(n) + " " + (n == 1 ? one : many);
 }
 
-int restoredCount(const RunSheet& sheet) {
-    const auto restored = [](const CueRecord& record) {
-        return record.outcome.kind() == CueOutcome::Case::restored;
-    };
-    return static_cast<int>(std::count_if(sheet.cues.begin(), sheet.cues.end(), restored) +
-                            std::count_if(sheet.strike.begin(), sheet.strike.end(), restored));
-}
-
 std::string state(const JournalEntry& entry) {
     switch (entry.state) {
     case EntryState::pending:
@@ -84,27 +76,6 @@ std::string owner(const std::string& name) {
 
 std::string problems(int count) {
     return count == 0 ? "no problems" : counted(count, "problem", "problems");
-}
-
-std::string curtainDown(const RunSheet& sheet) {
-    std::string out =
-        "Curtain down · " + counted(restoredCount(sheet), "change", "changes") + " put back";
-    if (const int mine = sheet.leftAlone(); mine > 0) {
-        out += ", " + std::to_string(mine) + " left as you set " + (mine == 1 ? "it" : "them");
-    }
-    if (const int failed = sheet.problems(); failed >= 1) {
-        out += ", " + std::to_string(failed) + " couldn't be";
-    }
-    return out + ".";
-}
-
-std::string recovered(const RunSheet& sheet) {
-    std::string out = "Scrimlet quit during a show. At launch it put back " +
-                      counted(restoredCount(sheet), "thing", "things");
-    if (const int mine = sheet.leftAlone(); mine > 0) {
-        out += " and left " + std::to_string(mine) + " you'd changed yourself";
-    }
-    return out + ".";
 }
 
 std::string sheet(const RunSheet& sheet) {

@@ -25,11 +25,6 @@ std::string records(const std::vector<CueRecord>& records, const std::string& in
 std::string owner(const std::string& owner);
 /// "no problems", "1 problem", "3 problems".
 std::string problems(int count);
-/// The note after a show: "Curtain down · 7 changes put back, 1 left as you set it."
-std::string curtainDown(const RunSheet& sheet);
-/// The note after a launch that healed a crashed show: "Scrimlet quit during a show. At
-/// launch it put back 5 things."
-std::string recovered(const RunSheet& sheet);
 /// A whole sheet for reading: when, how long, how it ended, how it started, and every cue
 /// and strike line. Ends in a line feed.
 std::string sheet(const RunSheet& sheet);

@@ -1,5 +1,6 @@
 #include "Rehearsal.hpp"
 
+#include "Dropdown.hpp"
 #include "FakeStageSystem.hpp"
 #include "JournalStore.hpp"
 #include "Narration.hpp"
@@ -108,7 +109,7 @@ int Rehearsal::run() {
 
     store->recoverAtLaunch();
     if (const auto& healed = store->recovered) {
-        say("Launched: " + Narration::recovered(*healed));
+        say("Launched: " + Dropdown::recoveredText(*healed));
         out_ << Narration::records(healed->strike, "  ");
     } else {
         say("Launched: nothing to put back.");
@@ -120,7 +121,7 @@ int Rehearsal::run() {
     const auto quit = [&](int signal) {
         store->shutdown();
         say("Quit on signal " + std::to_string(signal) + ": " +
-            Narration::curtainDown(store->show().sheets().front()));
+            Dropdown::endedText(store->show().sheets().front()));
         return 0;
     };
     say("Raising the curtain.");
@@ -144,7 +145,7 @@ int Rehearsal::run() {
     }
     say("Dropping the curtain.");
     store->stopShow();
-    say("Dark: " + Narration::curtainDown(store->show().sheets().front()));
+    say("Dark: " + Dropdown::endedText(store->show().sheets().front()));
     return 0;
 }
 
