@@ -99,23 +99,33 @@ std::filesystem::path film(const std::string &dir) {
     return recorder->finish(std::string(DemoFilmScript::name));
 }
 
+[[noreturn]] void filmAndExit(const std::string &dir) {
+    int status = 0;
+    try {
+        std::printf("%s\n", film(dir).string().c_str());
+    } catch (const std::exception &failure) {
+        std::fprintf(stderr, "%s\n", failure.what());
+        status = 1;
+    }
+    std::fflush(stdout);
+    std::fflush(stderr);
+    std::exit(status);
+}
+
 } // namespace
 
 void run(const std::string &dir) {
     NSApplication *app = NSApp;
     app.activationPolicy = NSApplicationActivationPolicyAccessory;
-    dispatch_async(dispatch_get_main_queue(), ^{
-        int status = 0;
-        try {
-            std::printf("%s\n", film(dir).string().c_str());
-        } catch (const std::exception &failure) {
-            std::fprintf(stderr, "%s\n", failure.what());
-            status = 1;
-        }
-        std::fflush(stdout);
-        std::fflush(stderr);
-        std::exit(status);
-    });
+    const std::string folder = dir;
+    // From a timer, not a block of the main queue: the script's waits turn the run loop,
+    // and a run loop turned from inside a main-queue block serves no other main-queue block,
+    // which is where the system's window pictures arrive.
+    [NSTimer scheduledTimerWithTimeInterval:0
+                                    repeats:NO
+                                      block:^(NSTimer *) {
+                                          filmAndExit(folder);
+                                      }];
 }
 
 } // namespace scrimlet::mac::DemoFilmRun
