@@ -75,6 +75,14 @@ std::optional<std::string> selfTestDir() {
     return selfTestDir(env());
 }
 
+std::optional<std::string> demoDir(const Environment& environment) {
+    return value(environment, "SCRIMLET_DEMO_DIR");
+}
+
+std::optional<std::string> demoDir() {
+    return demoDir(env());
+}
+
 Date demoNow() {
     std::tm local{};
     local.tm_year = 2026 - 1900;

@@ -28,6 +28,9 @@ std::optional<std::string> snapshotDir(const Environment& environment);
 std::optional<std::string> snapshotDir();
 std::optional<std::string> selfTestDir(const Environment& environment);
 std::optional<std::string> selfTestDir();
+/// The folder a demo film is made in, present when "SCRIMLET_DEMO_DIR" is set.
+std::optional<std::string> demoDir(const Environment& environment);
+std::optional<std::string> demoDir();
 
 /// The fixed moment demo runs begin at: 28 October 2026, 15:42:00, local time.
 Date demoNow();

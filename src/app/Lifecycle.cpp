@@ -13,6 +13,9 @@ RunKind runKind(const Harness::Environment& environment) {
     if (Harness::snapshotDir(environment)) {
         return RunKind::snapshots;
     }
+    if (Harness::demoDir(environment)) {
+        return RunKind::demoFilm;
+    }
     return Harness::isTestRun(environment) ? RunKind::otherTestRun : RunKind::normal;
 }
 
@@ -22,6 +25,8 @@ std::vector<LaunchStep> launchSteps(RunKind kind) {
         return {LaunchStep::runSelfCheck};
     case RunKind::snapshots:
         return {LaunchStep::startKit, LaunchStep::runSnapshots};
+    case RunKind::demoFilm:
+        return {LaunchStep::startKit, LaunchStep::runDemoFilm};
     case RunKind::otherTestRun:
         return {LaunchStep::startKit, LaunchStep::stopForTestRun};
     case RunKind::normal:
@@ -39,6 +44,8 @@ std::string_view name(LaunchStep step) {
         return "start the kit";
     case LaunchStep::runSnapshots:
         return "shoot the snapshots";
+    case LaunchStep::runDemoFilm:
+        return "film the demo";
     case LaunchStep::stopForTestRun:
         return "stop: test run";
     case LaunchStep::leaveIfAnotherCopyRuns:

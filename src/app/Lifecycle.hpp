@@ -25,6 +25,8 @@ enum class RunKind {
     selfCheck,
     /// "SCRIMLET_SNAPSHOT_DIR" is set: the snapshots are shot.
     snapshots,
+    /// "SCRIMLET_DEMO_DIR" is set: the app films itself into that folder.
+    demoFilm,
     /// Any other scripted run: the app starts, but never touches the Mac.
     otherTestRun,
 };
@@ -39,6 +41,9 @@ enum class LaunchStep {
     startKit,
     /// The snapshots; the process ends after them unless told to stay.
     runSnapshots,
+    /// The scripted film of the app, in place of the stop of a test run; the process ends
+    /// with its outcome.
+    runDemoFilm,
     /// Test runs stop here, with the kit started and nothing else.
     stopForTestRun,
     /// A second copy of an installed app quits, and the first keeps its show.

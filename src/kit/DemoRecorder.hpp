@@ -49,9 +49,11 @@ private:
 
 /// What stops a film.
 struct DemoFailure : std::exception {
-    enum class Kind { writer, noAnchor };
+    enum class Kind { writer, noAnchor, script };
 
     static DemoFailure writer(std::string message) { return {Kind::writer, std::move(message)}; }
+    /// The app did not do what the script showed it doing, so the film would lie.
+    static DemoFailure script(std::string message) { return {Kind::script, std::move(message)}; }
     static DemoFailure noAnchor(const std::string& id) {
         return {Kind::noAnchor, "demo: no anchor " + id};
     }

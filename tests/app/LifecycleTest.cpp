@@ -21,7 +21,13 @@ TEST(Lifecycle, EachKindOfRunTakesItsOwnLaunchSteps) {
     EXPECT_EQ(Lifecycle::runKind({{"SCRIMLET_SELFTEST", "/t"}, {"SCRIMLET_SNAPSHOT_DIR", "/s"}}),
               RunKind::selfCheck);
     EXPECT_EQ(Lifecycle::runKind({{"SCRIMLET_SNAPSHOT_DIR", "/s"}}), RunKind::snapshots);
-    EXPECT_EQ(Lifecycle::runKind({{"SCRIMLET_DEMO_DIR", "/d"}}), RunKind::otherTestRun);
+    EXPECT_EQ(Lifecycle::runKind({{"SCRIMLET_DEMO_DIR", "/d"}}), RunKind::demoFilm);
+    EXPECT_EQ(Lifecycle::runKind({{"SCRIMLET_DEMO_DIR", "/d"}, {"SCRIMLET_SNAPSHOT_DIR", "/s"}}),
+              RunKind::snapshots);
+    EXPECT_EQ(Lifecycle::runKind({{"SCRIMLET_DEMO_DIR", "/d"}, {"SCRIMLET_SELFTEST", "/t"}}),
+              RunKind::selfCheck);
+    EXPECT_EQ(Lifecycle::runKind({{"SCRIMLET_DEMO_DIRECTORY", "/d"}}), RunKind::otherTestRun)
+        << "a misspelt demo folder is a test run that films nothing";
     EXPECT_EQ(Lifecycle::runKind({{"SCRIMLET_MY_UITEST_X", "0"}}), RunKind::otherTestRun);
     EXPECT_EQ(Lifecycle::runKind({{"XCTestConfigurationFilePath", "/x"}}), RunKind::otherTestRun);
 
@@ -29,6 +35,8 @@ TEST(Lifecycle, EachKindOfRunTakesItsOwnLaunchSteps) {
     EXPECT_EQ(Lifecycle::launchSteps(RunKind::selfCheck), Steps{LaunchStep::runSelfCheck});
     EXPECT_EQ(Lifecycle::launchSteps(RunKind::snapshots),
               (Steps{LaunchStep::startKit, LaunchStep::runSnapshots}));
+    EXPECT_EQ(Lifecycle::launchSteps(RunKind::demoFilm),
+              (Steps{LaunchStep::startKit, LaunchStep::runDemoFilm}));
     EXPECT_EQ(Lifecycle::launchSteps(RunKind::otherTestRun),
               (Steps{LaunchStep::startKit, LaunchStep::stopForTestRun}));
     EXPECT_EQ(Lifecycle::launchSteps(RunKind::normal),
@@ -36,7 +44,8 @@ TEST(Lifecycle, EachKindOfRunTakesItsOwnLaunchSteps) {
                      LaunchStep::becomeAccessory, LaunchStep::startLive,
                      LaunchStep::installSignalHandlers}));
     // Only a normal run ever goes live or touches the Mac's signals.
-    for (const auto kind : {RunKind::selfCheck, RunKind::snapshots, RunKind::otherTestRun}) {
+    for (const auto kind :
+         {RunKind::selfCheck, RunKind::snapshots, RunKind::demoFilm, RunKind::otherTestRun}) {
         for (const auto step : Lifecycle::launchSteps(kind)) {
             EXPECT_NE(step, LaunchStep::startLive) << Lifecycle::name(step);
             EXPECT_NE(step, LaunchStep::leaveIfAnotherCopyRuns) << Lifecycle::name(step);

@@ -1,6 +1,7 @@
 #import "AppDelegate.h"
 
 #import "../common/Text.h"
+#import "../kit/DemoFilmRun.hpp"
 #import "../kit/Snapshotter.hpp"
 #import "../kit/Vantrel.hpp"
 #import "../views/Interface.hpp"
@@ -67,6 +68,9 @@ using scrimlet::Lifecycle::LaunchStep;
         return YES;
     case LaunchStep::runSnapshots:
         scrimlet::mac::Snapshotter::run(scrimlet::Harness::snapshotDir().value_or(""));
+        return NO;
+    case LaunchStep::runDemoFilm:
+        scrimlet::mac::DemoFilmRun::run(scrimlet::Harness::demoDir().value_or(""));
         return NO;
     case LaunchStep::stopForTestRun:
         return NO;

@@ -2,6 +2,7 @@
 
 #import "../common/Text.h"
 #import "DemoFilm.hpp"
+#import "Harness.hpp"
 
 @implementation ScrimletDemoAnchorView
 
@@ -19,6 +20,27 @@
 
 - (void)dealloc {
     [NSNotificationCenter.defaultCenter removeObserver:self];
+}
+
++ (void)anchor:(NSView *)view as:(const std::string &)anchor {
+    if (!scrimlet::Harness::isTestRun()) {
+        return;
+    }
+    ScrimletDemoAnchorView *reporter =
+        [[ScrimletDemoAnchorView alloc] initWithAnchor:scrimlet::mac::toNSString(anchor)];
+    reporter.frame = view.bounds;
+    reporter.autoresizingMask = NSViewWidthSizable | NSViewHeightSizable;
+    [view addSubview:reporter positioned:NSWindowBelow relativeTo:nil];
+}
+
++ (void)reportAllIn:(NSView *)view {
+    if ([view isKindOfClass:[ScrimletDemoAnchorView class]]) {
+        id reporter = view;
+        [reporter report];
+    }
+    for (NSView *subview in view.subviews) {
+        [self reportAllIn:subview];
+    }
 }
 
 - (NSView *)hitTest:(NSPoint)point {

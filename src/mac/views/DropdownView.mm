@@ -1,5 +1,6 @@
 #import "DropdownView.h"
 
+#import "../kit/DemoAnchorView.h"
 #import "Controls.h"
 #import "DropdownLayout.hpp"
 #import "Interface.hpp"
@@ -8,6 +9,7 @@
 
 #include "ControlLooks.hpp"
 #include "Dropdown.hpp"
+#include "DropdownAnchors.hpp"
 
 #include <memory>
 
@@ -85,6 +87,7 @@ NSView *padded(NSView *content, CGFloat vertical, CGFloat horizontal) {
             stack(NSUserInterfaceLayoutOrientationHorizontal, 6,
                   @[ symbol, stack(NSUserInterfaceLayoutOrientationVertical, 1, lines), spacer() ]);
         [self addSubview:content];
+        [ScrimletDemoAnchorView anchor:self as:DropdownAnchors::switchTile(model.kind)];
         [NSLayoutConstraint activateConstraints:@[
             [content.leadingAnchor constraintEqualToAnchor:self.leadingAnchor constant:8],
             [content.trailingAnchor constraintEqualToAnchor:self.trailingAnchor constant:-8],
@@ -274,7 +277,9 @@ NSView *cueListView(const CueListModel &list, ScrimletPerform perform) {
     if (rows.count > 0) {
         [parts addObject:card(rows, contentWidth)];
     }
-    return stack(NSUserInterfaceLayoutOrientationVertical, Theme::Space::s, parts);
+    NSStackView *out = stack(NSUserInterfaceLayoutOrientationVertical, Theme::Space::s, parts);
+    [ScrimletDemoAnchorView anchor:out as:std::string(DropdownAnchors::cueList)];
+    return out;
 }
 
 NSView *switchGridView(const SwitchGridModel &grid, ScrimletPerform perform) {
@@ -325,6 +330,9 @@ NSView *actionRowView(const ActionRowModel &row, ScrimletPerform perform) {
                                                          perform:^{
                                                              perform(action);
                                                          }]];
+    }
+    if (NSView *first = buttons.firstObject) {
+        [ScrimletDemoAnchorView anchor:first as:std::string(DropdownAnchors::action)];
     }
     NSStackView *line = stack(NSUserInterfaceLayoutOrientationHorizontal, Theme::Space::s, buttons);
     line.distribution = NSStackViewDistributionFill;
@@ -530,6 +538,9 @@ NSView *allSwitchesView(const AllSwitchesModel &all, ScrimletPerform perform) {
             _note = home.note
                         ? pinnedWidth(bannerView(*home.note, contentWidth, perform), contentWidth)
                         : nil;
+            if (_note) {
+                [ScrimletDemoAnchorView anchor:_note as:std::string(DropdownAnchors::note)];
+            }
         }
         if (!was || was->cueList != home.cueList) {
             _cueList = cueListView(home.cueList, perform);
